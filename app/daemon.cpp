@@ -1,0 +1,88 @@
+#include "app/daemon.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QFile>
+#include <QProcess>
+
+namespace Daemon {
+
+namespace {
+
+constexpr QLatin1String DaemonName("Corvane");
+constexpr QLatin1String QuickStartArgument("quickboot");
+constexpr QLatin1String ProbeTemplate("pgrep -lf %1 | grep -w %2 | awk '{print $1}'");
+constexpr QLatin1String
+        DetailTemplate("ps -o comm,pid,user,etime,%cpu,%mem -p %1 | grep -w Corvane");
+
+constexpr int OutputIndex = 0;
+constexpr int ExitCodeIndex = 1;
+constexpr int Decimal = 10;
+
+} // namespace
+
+QString shell()
+{
+    return QStringLiteral("/bin/bash");
+}
+
+QStringList shellArguments(const QString &commandLine)
+{
+    return {QStringLiteral("-c"), commandLine};
+}
+
+QString probeCommand()
+{
+    return QString(ProbeTemplate).arg(DaemonName).arg(DaemonName);
+}
+
+QString detailCommand(qint64 pid)
+{
+    return QString(DetailTemplate).arg(pid);
+}
+
+QString outputText(const QList<QVariant> &result)
+{
+    return result.isEmpty() ? QString() : result.at(OutputIndex).toString();
+}
+
+bool isAnswer(const QList<QVariant> &result)
+{
+    return !outputText(result).isEmpty() && result.at(ExitCodeIndex).toInt() == 0;
+}
+
+qint64 pidOrZero(const QList<QVariant> &result)
+{
+    return outputText(result).toLongLong(nullptr, Decimal);
+}
+
+std::optional<qint64> singlePid(const QList<QVariant> &result)
+{
+    if (!isAnswer(result))
+        return std::nullopt;
+
+    bool ok = false;
+    const qint64 pid = outputText(result).toLongLong(&ok, Decimal);
+    return ok ? std::optional<qint64>(pid) : std::nullopt;
+}
+
+QString executablePath()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + DaemonName;
+}
+
+std::optional<qint64> launch(LaunchRule rule)
+{
+    const QString path = executablePath();
+    qInfo() << "file:" << path;
+
+    if (rule == LaunchRule::IfExecutableExists && !QFile::exists(path))
+        return std::nullopt;
+
+    qint64 pid = UnknownPid;
+    const bool started = QProcess::startDetached(path, {QuickStartArgument},
+                                                 QCoreApplication::applicationDirPath(), &pid);
+    return started ? std::optional<qint64>(pid) : std::nullopt;
+}
+
+} // namespace Daemon

@@ -1,0 +1,67 @@
+#include "app/VTWebUrlHandler.h"
+#include "app/daemon.h"
+#include "app/executeInMain.h"
+#include "shell/ServiceContainer.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDesktopWidget>
+#include <QFont>
+#include <QIcon>
+#include <QVariant>
+
+#include <optional>
+
+namespace {
+
+constexpr int ApplicationFontPointSize = 9;
+
+//! Variables that point at the panel's private libraries and must not reach its children.
+constexpr const char *PrivateVariables[] = {"LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH",
+                                            "QT_QPA_PLATFORM_PLUGIN_PATH"};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // The panel is made for X11, also where the desktop offers Wayland.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+
+    VTWebUrlHandler urlHandler;
+    QDesktopServices::setUrlHandler(QStringLiteral("https"), &urlHandler, "handle");
+    QDesktopServices::setUrlHandler(QStringLiteral("http"), &urlHandler, "handle");
+
+    QApplication app(argc, argv);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/client/resources/application.svg")));
+
+    QFont font;
+    font.setPointSize(ApplicationFontPointSize);
+    QApplication::setFont(font);
+
+    // Only now: the application object has loaded its own plug-ins with them.
+    for (const char *variable : PrivateVariables)
+        qunsetenv(variable);
+
+    const QList<QVariant> probe =
+            executeInMain(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
+    std::optional<qint64> pid = Daemon::singlePid(probe);
+    if (pid)
+        app.setProperty("CorvanePid", *pid);
+
+    // Any number that isn't negative counts as a running daemon, 0 included.
+    if (pid.value_or(Daemon::UnknownPid) < 0) {
+        pid = Daemon::launch(Daemon::LaunchRule::IfExecutableExists);
+        if (pid)
+            app.setProperty("CorvanePid", *pid);
+    }
+
+    ServiceContainer window(nullptr);
+
+    // The screen's own corner is left out on purpose: the place is relative to (0, 0).
+    const QSize screenSize = QApplication::desktop()->screenGeometry(&window).size();
+    window.move((screenSize.width() - window.width()) / 2,
+                (screenSize.height() - window.height()) / 2);
+    window.show();
+
+    return QApplication::exec();
+}

@@ -1,0 +1,75 @@
+# Build settings that every target of this tree shares, as the interface target panel_options.
+
+if(CMAKE_SOURCE_DIR STREQUAL PROJECT_SOURCE_DIR)
+    set(PANEL_IS_TOP_LEVEL ON)
+else()
+    set(PANEL_IS_TOP_LEVEL OFF)
+endif()
+
+option(PANEL_WARNINGS_AS_ERRORS "Treat compiler warnings in our own code as errors" OFF)
+option(PANEL_LTO "Link-time optimisation of the program in release builds" ON)
+option(PANEL_HARDENING "Hardening flags in optimised builds" ON)
+option(PANEL_COVERAGE "Instrument for gcov" OFF)
+set(PANEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+
+set(PANEL_SERVICE_HALL_HOST "hall.shuochuan.example" CACHE STRING
+    "Host of the service-hall page (a host name, nothing else)")
+set(PANEL_KNOWLEDGE_BASE_HOST "wiki.shuochuan.example" CACHE STRING
+    "Host of the knowledge-base page (a host name, nothing else)")
+set(PANEL_WINDOW_AGENT "auto" CACHE STRING
+    "Frameless-window agent: auto, system (an installed QWindowKit) or bundled")
+set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS auto system bundled)
+
+include(CheckPIESupported)
+check_pie_supported()
+
+add_library(panel_options INTERFACE)
+target_compile_features(panel_options INTERFACE cxx_std_17)
+target_compile_definitions(panel_options INTERFACE
+    QT_DEPRECATED_WARNINGS
+    QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING)
+target_compile_options(panel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${PANEL_WARNINGS_AS_ERRORS}>:-Werror>
+    # Debian's Qt is built with -reduce-relocations, for which -fPIE is not enough.
+    -fPIC)
+
+if(PANEL_HARDENING)
+    target_compile_options(panel_options INTERFACE -fstack-protector-strong)
+    if(NOT PANEL_SANITIZE)
+        # Needs optimisation, and hides from the sanitizers what they look for.
+        target_compile_options(panel_options INTERFACE
+            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
+            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+    endif()
+    target_link_options(panel_options INTERFACE -pie LINKER:-z,relro LINKER:-z,now)
+endif()
+
+if(PANEL_SANITIZE)
+    target_compile_options(panel_options INTERFACE
+        -fsanitize=${PANEL_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(panel_options INTERFACE -fsanitize=${PANEL_SANITIZE})
+endif()
+
+if(PANEL_COVERAGE)
+    target_compile_options(panel_options INTERFACE --coverage -fprofile-abs-path)
+    target_link_options(panel_options INTERFACE --coverage)
+endif()
+
+# Link-time optimisation is for the delivered program only: the tests link the same rooms a few
+# dozen times over.
+function(panel_enable_lto target)
+    if(NOT PANEL_LTO OR PANEL_SANITIZE OR PANEL_COVERAGE)
+        return()
+    endif()
+    include(CheckIPOSupported)
+    check_ipo_supported(RESULT supported OUTPUT reason LANGUAGES CXX)
+    if(supported)
+        set_target_properties(${target} PROPERTIES
+            INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
+            INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
+    else()
+        message(STATUS "Link-time optimisation is off: ${reason}")
+    endif()
+endfunction()

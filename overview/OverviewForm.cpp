@@ -1,0 +1,146 @@
+#include "overview/OverviewForm.h"
+
+#include "app/daemon.h"
+#include "app/executeInMain.h"
+#include "ui_OverviewForm.h"
+
+#include <QHeaderView>
+#include <QTimer>
+#include <QTreeWidget>
+
+namespace {
+
+constexpr int RefreshIntervalMs = 3000;
+
+constexpr int HeaderHeight = 36;
+constexpr int HeaderAndRowHeight = 76;
+
+//! Fields of the process figures that are shares of a whole, by their place in the line.
+constexpr int CpuField = 4;
+constexpr int MemoryField = 5;
+
+const QChar Blank = QLatin1Char(' ');
+
+void setUpTable(QTreeWidget *tree, const QStringList &headers)
+{
+    tree->setRootIsDecorated(false);
+    tree->setColumnCount(headers.size());
+    tree->setHeaderLabels(headers);
+    tree->setFrameStyle(0);
+    tree->header()->setDefaultAlignment(Qt::AlignCenter);
+    tree->header()->setSectionsMovable(false);
+    tree->header()->setSectionResizeMode(QHeaderView::Stretch);
+    tree->setSelectionMode(QAbstractItemView::NoSelection);
+}
+
+/*!
+    Splits the line of process figures into the texts of a row, with "%" behind the shares.
+    Fields part at blanks only: a new-line stays inside its field, so that two lines don't pass
+    for one.
+*/
+QStringList rowFromDetail(const QString &detail)
+{
+    QStringList parts = detail.split(Blank, Qt::SkipEmptyParts);
+    // Finds nothing after the split above; a step of the design, kept on purpose.
+    parts.removeAll(Blank);
+
+    QStringList row;
+    for (int i = 0; i < parts.size(); ++i) {
+        // The index counts skipped fields too: a share is known by its place in the line.
+        QString text = parts.at(i).trimmed();
+        if (text.isEmpty())
+            continue;
+        if (i == CpuField || i == MemoryField)
+            text += QLatin1Char('%');
+        row.append(text);
+    }
+    return row;
+}
+
+} // namespace
+
+OverviewForm::OverviewForm(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui_OverviewForm)
+    , lastPid(Daemon::UnknownPid)
+{
+    ui->setupUi(this);
+
+    setUpTable(ui->treeWidgetOW, {tr("进程"), tr("PID"), tr("启动用户"), tr("运行时长"),
+                                  tr("CPU占用率"), tr("内存占用率")});
+    ui->labelNoService->hide();
+    ui->labelOWError->hide();
+
+    // Nothing fills this table: its frame stays hidden.
+    setUpTable(ui->treeWidgetTag, {tr("节点名称"), tr("服务类型"), tr("服务端口"), tr("服务状况"),
+                                   tr("注册接口数"), tr("客户端连接数")});
+    ui->frameService->hide();
+    ui->lineService->hide();
+
+    syncOWInfo();
+    syncTagsInfo();
+
+    timer = new QTimer(this);
+    timer->start(RefreshIntervalMs);
+    connect(timer, &QTimer::timeout, this, &OverviewForm::syncOWInfo);
+}
+
+OverviewForm::~OverviewForm()
+{
+    delete ui;
+}
+
+QList<QVariant> OverviewForm::execute(const QString &program, const QStringList &arguments)
+{
+    return executeInMain(program, arguments);
+}
+
+void OverviewForm::syncOWInfo()
+{
+    QStringList row;
+
+    const QList<QVariant> probe =
+            execute(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
+    if (!Daemon::isAnswer(probe)) {
+        lastPid = Daemon::UnknownPid;
+    } else {
+        const qint64 pid = Daemon::pidOrZero(probe);
+        const QList<QVariant> detail =
+                execute(Daemon::shell(), Daemon::shellArguments(Daemon::detailCommand(pid)));
+        const QString text = Daemon::outputText(detail);
+        // Unlike the test of the probe, this one reads the output as a number and never looks at
+        // the exit code, on purpose; and where it fails, lastPid keeps what it held.
+        if (!text.isEmpty() && detail.first().toInt() == 0) {
+            lastPid = pid;
+            row = rowFromDetail(text);
+        }
+    }
+
+    QTreeWidget *tree = ui->treeWidgetOW;
+    // There is never more than this one row.
+    delete tree->takeTopLevelItem(0);
+
+    if (row.size() != tree->columnCount()) {
+        ui->labelNoService->show();
+        tree->setFixedHeight(HeaderHeight);
+        return;
+    }
+
+    ui->labelNoService->hide();
+    tree->setFixedHeight(HeaderAndRowHeight);
+    auto *item = new QTreeWidgetItem(row);
+    for (int column = 0; column < row.size(); ++column)
+        item->setTextAlignment(column, Qt::AlignCenter);
+    tree->insertTopLevelItem(0, item);
+}
+
+void OverviewForm::syncTagsInfo()
+{
+    // Empty on purpose: there is no source of node data.
+}
+
+void OverviewForm::on_kqfwdt_clicked() { }
+
+void OverviewForm::on_kqzsk_clicked() { }
+
+void OverviewForm::on_xfkqfw_clicked() { }

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QWidget>
+
+class QTimer;
+class QTreeWidgetItem;
+class Ui_OverviewForm;
+
+/*!
+    The run-status page: tells whether the daemon runs and shows its process figures, opens the
+    maker's two web pages, and repairs a daemon that has died.
+
+    The page asks the system for the daemon once while it is constructed and then every 3000
+    milliseconds for as long as it lives. Each time the thread waits for two short shell pipelines.
+    It has no signals: what it finds out is what it shows.
+*/
+class OverviewForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    //! Builds the page, refreshes it once and starts its timer. \a parent is the owner.
+    explicit OverviewForm(QWidget *parent = nullptr);
+    ~OverviewForm() override;
+
+    /*!
+        Runs \a program with \a arguments and waits for its end. Returns the standard output (a
+        QByteArray) and the exit code (an int), or an empty list when it could not be started
+        within 30000 milliseconds.
+    */
+    QList<QVariant> execute(const QString &program, const QStringList &arguments);
+
+private slots:
+    void syncOWInfo();
+    void syncTagsInfo();
+    void on_kqfwdt_clicked();
+    void on_kqzsk_clicked();
+    void on_xfkqfw_clicked();
+
+private:
+    Ui_OverviewForm *ui;
+    QTimer *timer = nullptr;
+    qint64 lastPid;
+    QMap<QString, QTreeWidgetItem *> serviceItems;
+};

@@ -1,0 +1,125 @@
+#!/usr/bin/env bash
+# Runs a command in surroundings of its own and cleans up behind it:
+#
+#   in-desktop.sh [--no-display] [--wm NAME|none] [--screen WxHxD]... [--pid-namespace] -- COMMAND...
+#
+# The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
+# a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
+# further Xinerama screen to the right) with a window manager (openbox by default) that is ready
+# before it starts; and with --pid-namespace a process namespace in which it sees only its own
+# children. The exit status is the command's; 70 where the surroundings can't be had.
+set -euo pipefail
+
+display=yes
+wm=openbox
+screens=()
+pid_namespace=no
+while [ $# -gt 0 ]; do
+    case "$1" in
+    --no-display) display=no ;;
+    --wm) wm=$2; shift ;;
+    --screen) screens+=("$2"); shift ;;
+    --pid-namespace) pid_namespace=yes ;;
+    --) shift; break ;;
+    *) echo "in-desktop.sh: unknown option $1" >&2; exit 64 ;;
+    esac
+    shift
+done
+[ ${#screens[@]} -gt 0 ] || screens=(1920x1080x24)
+
+fail() {
+    echo "in-desktop.sh: $*" >&2
+    exit 70
+}
+
+root=$(mktemp -d "${TMPDIR:-/tmp}/panel-test.XXXXXX")
+started=()
+
+clean_up() {
+    local pid
+    for pid in "${started[@]}"; do
+        kill "$pid" 2>/dev/null || continue
+        wait "$pid" 2>/dev/null || continue
+    done
+    rm -rf "$root"
+}
+trap clean_up EXIT
+trap 'exit 143' TERM
+trap 'exit 130' INT
+
+# wait_until PID DESCRIPTION COMMAND...: until the command succeeds; gives up when process PID ends.
+wait_until() {
+    local pid=$1 what=$2
+    shift 2
+    until "$@" >/dev/null 2>&1; do
+        kill -0 "$pid" 2>/dev/null || fail "$what has ended: $(cat "$root"/log/* 2>/dev/null)"
+        sleep 0.02
+    done
+}
+
+mkdir -p "$root"/home "$root"/config "$root"/cache "$root"/data "$root"/tmp "$root"/log
+mkdir -m 700 "$root"/run
+
+environment=(
+    HOME="$root/home"
+    XDG_CONFIG_HOME="$root/config"
+    XDG_CACHE_HOME="$root/cache"
+    XDG_DATA_HOME="$root/data"
+    XDG_RUNTIME_DIR="$root/run"
+    TMPDIR="$root/tmp"
+    LANG=C.UTF-8
+    LC_ALL=C.UTF-8
+    PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin
+    USER="$(id -un)"
+    LOGNAME="$(id -un)"
+    SHELL=/bin/bash
+)
+for name in ASAN_OPTIONS LSAN_OPTIONS UBSAN_OPTIONS GCOV_PREFIX GCOV_PREFIX_STRIP \
+    ${!PANEL_TEST_@} ${!QTEST_@}; do
+    [ -z "${!name+set}" ] || environment+=("$name=${!name}")
+done
+
+if [ "$display" = yes ]; then
+    arguments=(-nolisten tcp -noreset -dpi 96)
+    for i in "${!screens[@]}"; do
+        arguments+=(-screen "$i" "${screens[$i]}")
+    done
+    [ ${#screens[@]} -eq 1 ] || arguments+=(+xinerama)
+    # The kernel ends the server with this script, also where the script is killed outright.
+    setpriv --pdeathsig TERM Xvfb -displayfd 3 "${arguments[@]}" \
+        3>"$root/display" >"$root/log/Xvfb" 2>&1 &
+    server=$!
+    started=("$server")
+    wait_until "$server" "the X server" grep -q . "$root/display"
+    environment+=(DISPLAY=":$(cat "$root/display")")
+
+    if [ "$wm" != none ]; then
+        env -i "${environment[@]}" setpriv --pdeathsig TERM "$wm" >"$root/log/wm" 2>&1 &
+        manager=$!
+        # The manager goes first: it would complain of the server's end.
+        started=("$manager" "${started[@]}")
+        wait_until "$manager" "the window manager $wm" \
+            env -i "${environment[@]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
+    fi
+fi
+
+launcher=(env -i "${environment[@]}")
+if [ "$pid_namespace" = yes ]; then
+    namespace=(unshare --pid --fork --kill-child --mount-proc)
+    if [ "$(id -u)" -ne 0 ]; then
+        namespace+=(--user --map-root-user)
+    fi
+    if "${namespace[@]}" true 2>/dev/null; then
+        # bash as the first process of the namespace takes in and reaps what is left without a parent.
+        launcher+=("${namespace[@]}" bash -c '"$@"; exit $?' bash)
+    elif pgrep -x Corvane >/dev/null; then
+        fail "a process named Corvane runs on this machine, and it can't be hidden from the test"
+    fi
+fi
+
+cd "$root/home"
+status=0
+"${launcher[@]}" "$@" <&0 &
+child=$!
+wait "$child" || status=$?
+exit "$status"

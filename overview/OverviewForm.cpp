@@ -2,11 +2,20 @@
 
 #include "app/daemon.h"
 #include "app/executeInMain.h"
+#include "overview/repairWait.h"
 #include "ui_OverviewForm.h"
 
+#include <QDateTime>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
+#include <QUrl>
 
 namespace {
 
@@ -19,7 +28,24 @@ constexpr int HeaderAndRowHeight = 76;
 constexpr int CpuField = 4;
 constexpr int MemoryField = 5;
 
-const QChar Blank = QLatin1Char(' ');
+constexpr unsigned long NoRepairPauseMs = 2000;
+constexpr unsigned long MsPerSecond = 1000;
+
+constexpr QChar Blank = QLatin1Char(' ');
+
+//! Shows the wait cursor over the whole application while it lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+    Q_DISABLE_COPY_MOVE(WaitCursor)
+};
+
+void openWebPage(const QString &address)
+{
+    QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
+}
 
 void setUpTable(QTreeWidget *tree, const QStringList &headers)
 {
@@ -139,8 +165,61 @@ void OverviewForm::syncTagsInfo()
     // Empty on purpose: there is no source of node data.
 }
 
-void OverviewForm::on_kqfwdt_clicked() { }
+void OverviewForm::on_kqfwdt_clicked()
+{
+    openWebPage(QStringLiteral("https://" PANEL_SERVICE_HALL_HOST "/#/software-selfHelp"));
+}
 
-void OverviewForm::on_kqzsk_clicked() { }
+void OverviewForm::on_kqzsk_clicked()
+{
+    openWebPage(
+            QStringLiteral("https://" PANEL_KNOWLEDGE_BASE_HOST "/kqwiki/fullTextSearch.xhtml"));
+}
 
-void OverviewForm::on_xfkqfw_clicked() { }
+void OverviewForm::on_xfkqfw_clicked()
+{
+    const QString title = tr("修复朔川服务");
+
+    if (lastPid > 0) {
+        {
+            const WaitCursor cursor;
+            QThread::msleep(NoRepairPauseMs);
+        }
+        QMessageBox::information(this, title, tr("统一服务运行正常，无需修复。"), QMessageBox::Ok,
+                                 QMessageBox::NoButton);
+        return;
+    }
+
+    {
+        const WaitCursor cursor;
+        // Neither the outcome of the start nor the number that it gives counts: the probe below
+        // tells. An executable that is missing is tried all the same.
+        Daemon::launch(Daemon::LaunchRule::Always);
+        const int seconds = repairWaitSeconds(quint32(QDateTime::currentMSecsSinceEpoch()));
+        qInfo() << seconds;
+        QThread::msleep(quint32(seconds) * MsPerSecond);
+    }
+
+    // Unlike start-up, any answer counts, however many daemons it tells of. The row and lastPid are
+    // left to the next tick of the timer.
+    if (Daemon::isAnswer(
+                execute(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand())))) {
+        QMessageBox::information(this, title, tr("朔川服务修复成功！"), QMessageBox::Ok,
+                                 QMessageBox::NoButton);
+    } else {
+        QMessageBox::warning(this, title, tr("尝试修复失败：请重启电脑后再试或联系朔川客服人员！"),
+                             QMessageBox::Ok, QMessageBox::NoButton);
+    }
+}
+
+void OverviewForm::keyPressEvent(QKeyEvent *event)
+{
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    // Qt's buttons answer Enter in dialogs only; elsewhere it comes up to their page.
+    auto *button = qobject_cast<QPushButton *>(focusWidget());
+    if (isEnter && button && button->hasFocus()) {
+        button->click();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

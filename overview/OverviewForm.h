@@ -17,7 +17,9 @@ class Ui_OverviewForm;
 
     The page asks the system for the daemon once while it is constructed and then every 3000
     milliseconds for as long as it lives. Each time the thread waits for two short shell pipelines.
-    It has no signals: what it finds out is what it shows.
+    A repair blocks the thread for 2 seconds when the daemon runs and for 5 to 14 when it doesn't,
+    and ends with a message box; refreshes go on behind the box. The page has no signals: what it
+    finds out is what it shows.
 */
 class OverviewForm : public QWidget
 {
@@ -34,6 +36,10 @@ public:
         within 30000 milliseconds.
     */
     QList<QVariant> execute(const QString &program, const QStringList &arguments);
+
+protected:
+    //! Makes Enter press the button that has the focus, as Space does.
+    void keyPressEvent(QKeyEvent *event) override;
 
 private slots:
     void syncOWInfo();

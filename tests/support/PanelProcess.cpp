@@ -1,5 +1,6 @@
 #include "tests/support/PanelProcess.h"
 
+#include <QCursor>
 #include <QDataStream>
 #include <QDir>
 #include <QLocalSocket>
@@ -337,8 +338,11 @@ void PanelProcess::xdotool(const QStringList &arguments)
 
 void PanelProcess::moveMouse(const QPoint &global)
 {
-    xdotool({QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(global.x()),
+    // Not with --sync: that waits for a movement, in vain where the pointer is there already.
+    xdotool({QStringLiteral("mousemove"), QString::number(global.x()),
              QString::number(global.y())});
+    if (!QTest::qWaitFor([&] { return QCursor::pos() == global; }))
+        failTest(QStringLiteral("the pointer doesn't follow"));
 }
 
 void PanelProcess::pressButton(int button)

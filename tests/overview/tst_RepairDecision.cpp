@@ -1,0 +1,104 @@
+#include "overview/OverviewForm.h"
+#include "tests/support/PrivateMember.h"
+#include "tests/support/ShimFolder.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+struct LastPid : PrivateMember<LastPid, qint64, OverviewForm>
+{
+};
+template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
+
+/*!
+    What a repair makes of lastPid and of the probe's answer, with tools that answer as told. The
+    whole road, with real daemons, is tested on the whole program.
+*/
+class tst_RepairDecision : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void decides_data();
+    void decides();
+};
+
+void tst_RepairDecision::decides_data()
+{
+    QTest::addColumn<qint64>("lastPid");
+    QTest::addColumn<QByteArray>("probeOutput");
+    QTest::addColumn<int>("probeExitCode");
+    QTest::addColumn<bool>("isRepair");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+
+    const QString fine = QStringLiteral("统一服务运行正常，无需修复。");
+    const QString repaired = QStringLiteral("朔川服务修复成功！");
+    const QString failed = QStringLiteral("尝试修复失败：请重启电脑后再试或联系朔川客服人员！");
+
+    // Nothing is looked at: the answer would say that no daemon runs.
+    QTest::newRow("1 runs") << 1LL << QByteArray() << 0 << false << fine
+                            << QMessageBox::Information;
+    // Any answer counts as success, two numbers and no number among them.
+    QTest::newRow("0 is repaired, two answer")
+            << 0LL << QByteArray("12\n13\n") << 0 << true << repaired << QMessageBox::Information;
+    QTest::newRow("negative is repaired, exit code not 0")
+            << -5LL << QByteArray("12\n") << 3 << true << failed << QMessageBox::Warning;
+}
+
+void tst_RepairDecision::decides()
+{
+    QFETCH(qint64, lastPid);
+    QFETCH(QByteArray, probeOutput);
+    QFETCH(int, probeExitCode);
+    QFETCH(bool, isRepair);
+    QFETCH(QString, text);
+    QFETCH(QMessageBox::Icon, icon);
+
+    ShimFolder shims;
+    shims.addPrinting(QStringLiteral("pgrep"), "");
+    OverviewForm page;
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    // No tick may change what this test has set up.
+    page.findChild<QTimer *>()->stop();
+    shims.addPrinting(QStringLiteral("awk"), probeOutput, probeExitCode);
+    shims.clearCalls();
+    LastPid::of(page) = lastPid;
+
+    int boxes = 0;
+    QTimer closer;
+    connect(&closer, &QTimer::timeout, &page, [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        ++boxes;
+        QCOMPARE(box->windowTitle(), QStringLiteral("修复朔川服务"));
+        QCOMPARE(box->text(), text);
+        QCOMPARE(box->icon(), icon);
+        QCOMPARE(box->parentWidget(), &page);
+        QCOMPARE(box->standardButtons(), QMessageBox::Ok);
+        QCOMPARE(QApplication::overrideCursor(), nullptr);
+        box->accept();
+    });
+    closer.start(50);
+
+    QElapsedTimer clock;
+    clock.start();
+    page.findChild<QPushButton *>(QStringLiteral("xfkqfw"))->click();
+    closer.stop();
+
+    QCOMPARE(boxes, 1);
+    QCOMPARE(LastPid::of(page), lastPid);
+    QCOMPARE(shims.calls(QStringLiteral("pgrep")).size(), isRepair ? 1 : 0);
+    QVERIFY2(clock.elapsed() >= (isRepair ? 5000 : 2000),
+             qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(QApplication::overrideCursor() == nullptr);
+}
+
+QTEST_MAIN(tst_RepairDecision)
+#include "tst_RepairDecision.moc"

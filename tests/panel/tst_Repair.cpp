@@ -1,0 +1,203 @@
+#include "tests/support/PanelProcess.h"
+#include "tests/support/ShownCursor.h"
+
+#include <QElapsedTimer>
+#include <QMessageBox>
+#include <QTest>
+
+namespace {
+
+const auto Title = QStringLiteral("修复朔川服务");
+const auto Fine = QStringLiteral("统一服务运行正常，无需修复。");
+const auto Repaired = QStringLiteral("朔川服务修复成功！");
+const auto Failed = QStringLiteral("尝试修复失败：请重启电脑后再试或联系朔川客服人员！");
+
+const auto RepairButton = QStringLiteral("xfkqfw");
+const auto Table = QStringLiteral("treeWidgetOW");
+
+constexpr int BoxTimeoutMs = 25000;
+
+} // namespace
+
+/*!
+    The repair as a user has it: the whole program, a real daemon, the mouse and the keyboard.
+*/
+class tst_Repair : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void runningDaemonIsLeftAlone();
+    void absentDaemonIsStarted();
+    void repairs_data();
+    void repairs();
+
+private:
+    //! Waits for the box and compares all of it.
+    void verifyBox(const QString &text, QMessageBox::Icon icon);
+    void verifyLog(int formerLines, qint64 elapsedMs);
+
+    std::unique_ptr<PanelProcess> m_panel;
+};
+
+void tst_Repair::init()
+{
+    m_panel = std::make_unique<PanelProcess>();
+}
+
+void tst_Repair::cleanup()
+{
+    m_panel.reset();
+}
+
+void tst_Repair::verifyBox(const QString &text, QMessageBox::Icon icon)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
+    const PanelProcess::MessageBox box = *m_panel->messageBox();
+    QCOMPARE(box.title, Title);
+    QCOMPARE(box.text, text);
+    QCOMPARE(box.icon, int(icon));
+    QCOMPARE(box.standardButtons, int(QMessageBox::Ok));
+    QCOMPARE(box.buttons.size(), 1);
+    QCOMPARE(box.defaultButton, QStringLiteral("OK"));
+    QCOMPARE(box.parentClass, QStringLiteral("OverviewForm"));
+    QCOMPARE(m_panel->application(QStringLiteral("overrideCursor")).toInt(), -1);
+}
+
+void tst_Repair::verifyLog(int formerLines, qint64 elapsedMs)
+{
+    const QStringList lines = m_panel->errorLines().mid(formerLines);
+    QCOMPARE(lines.size(), 2);
+    QCOMPARE(lines.at(0), QStringLiteral("file: \"%1\"").arg(m_panel->daemonPath()));
+
+    bool ok = false;
+    const int seconds = lines.at(1).toInt(&ok);
+    QVERIFY2(ok && seconds >= 5 && seconds <= 14, qPrintable(lines.at(1)));
+    QVERIFY2(elapsedMs >= seconds * 1000, qPrintable(QString::number(elapsedMs)));
+}
+
+void tst_Repair::runningDaemonIsLeftAlone()
+{
+    const QImage waitCursor = pictureOfCursor(Qt::WaitCursor);
+    QVERIFY(!waitCursor.isNull());
+
+    m_panel->placeDaemon();
+    QVERIFY(m_panel->start());
+    QTRY_COMPARE(m_panel->rowTexts(Table).size(), 1);
+    const QList<qint64> daemons = m_panel->daemonPids();
+    QCOMPARE(daemons.size(), 1);
+    const int formerLines = m_panel->errorLines().size();
+
+    PanelProcess::moveMouse(m_panel->globalRect(RepairButton).center());
+    QVERIFY(shownCursor() != waitCursor);
+    QElapsedTimer clock;
+    clock.start();
+    PanelProcess::clickAt(m_panel->globalRect(RepairButton).center());
+    QTRY_COMPARE(shownCursor(), waitCursor);
+    verifyBox(Fine, QMessageBox::Information);
+    QVERIFY2(clock.elapsed() >= 2000, qPrintable(QString::number(clock.elapsed())));
+    QTRY_VERIFY(shownCursor() != waitCursor);
+
+    QCOMPARE(m_panel->daemonPids(), daemons);
+    QCOMPARE(m_panel->errorLines().size(), formerLines);
+    m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
+    QTRY_VERIFY(!m_panel->messageBox());
+}
+
+void tst_Repair::absentDaemonIsStarted()
+{
+    const QImage waitCursor = pictureOfCursor(Qt::WaitCursor);
+    QVERIFY(m_panel->start());
+    QTRY_VERIFY(m_panel->property(QStringLiteral("labelNoService"), "visible").toBool());
+    const int formerLines = m_panel->errorLines().size();
+    m_panel->placeDaemon();
+
+    const QPoint place = m_panel->globalRect(RepairButton).center();
+    QElapsedTimer clock;
+    clock.start();
+    PanelProcess::clickAt(place);
+    QTRY_COMPARE(shownCursor(), waitCursor);
+    QTRY_VERIFY(m_panel->hasDaemonRecord());
+    // A second click while the first is at work.
+    PanelProcess::clickAt(place);
+
+    QCOMPARE(m_panel->daemonRecord(QStringLiteral("argument")),
+             (QStringList {m_panel->daemonPath(), QStringLiteral("quickboot")}));
+    QCOMPARE(m_panel->daemonRecord(QStringLiteral("directory")), QStringList(m_panel->folder()));
+    QCOMPARE(shownCursor(), waitCursor);
+
+    verifyBox(Repaired, QMessageBox::Information);
+    verifyLog(formerLines, clock.elapsed());
+    QTRY_VERIFY(shownCursor() != waitCursor);
+    const QList<qint64> daemons = m_panel->daemonPids();
+    QCOMPARE(daemons.size(), 1);
+    QCOMPARE(m_panel->daemonRecord(QStringLiteral("pid")),
+             QStringList(QString::number(daemons.first())));
+
+    // The page catches up behind the open box.
+    QTRY_COMPARE_WITH_TIMEOUT(m_panel->rowTexts(Table).size(), 1, BoxTimeoutMs);
+    QCOMPARE(m_panel->rowTexts(Table).first().at(1), QString::number(daemons.first()));
+    QVERIFY(m_panel->messageBox());
+    QVERIFY(!m_panel->property(QStringLiteral("labelNoService"), "visible").toBool());
+
+    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
+    PanelProcess::pressKeys("Return");
+    QTRY_VERIFY(!m_panel->messageBox());
+
+    // Served or not, the second click came too late to start another daemon.
+    QCOMPARE(m_panel->daemonPids(), daemons);
+    QCOMPARE(m_panel->errorLines().size(), formerLines + 2);
+}
+
+void tst_Repair::repairs_data()
+{
+    QTest::addColumn<bool>("isPlaced");
+    QTest::addColumn<bool>("isExecutable");
+    QTest::addColumn<QByteArray>("setting");
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QMessageBox::Icon>("icon");
+
+    QTest::newRow("executable missing")
+            << false << false << QByteArray() << QByteArray() << Failed << QMessageBox::Warning;
+    QTest::newRow("not executable")
+            << true << false << QByteArray() << QByteArray() << Failed << QMessageBox::Warning;
+    QTest::newRow("exits at once") << true << true << QByteArray("CORVANE_REFUSE")
+                                   << QByteArray("1") << Failed << QMessageBox::Warning;
+    QTest::newRow("exits before the check") << true << true << QByteArray("CORVANE_EXIT_AFTER_MS")
+                                            << QByteArray("3000") << Failed << QMessageBox::Warning;
+    QTest::newRow("starts late") << true << true << QByteArray("CORVANE_APPEAR_AFTER_MS")
+                                 << QByteArray("4000") << Repaired << QMessageBox::Information;
+}
+
+void tst_Repair::repairs()
+{
+    QFETCH(bool, isPlaced);
+    QFETCH(bool, isExecutable);
+    QFETCH(QByteArray, setting);
+    QFETCH(QByteArray, value);
+    QFETCH(QString, text);
+    QFETCH(QMessageBox::Icon, icon);
+
+    QVERIFY(m_panel->start());
+    const int formerLines = m_panel->errorLines().size();
+    if (isPlaced)
+        m_panel->placeDaemon();
+    if (isPlaced && !isExecutable)
+        QVERIFY(QFile::setPermissions(m_panel->daemonPath(), QFile::ReadOwner | QFile::WriteOwner));
+    if (!setting.isEmpty())
+        m_panel->configureDaemon(setting, value);
+
+    QElapsedTimer clock;
+    clock.start();
+    m_panel->click(RepairButton);
+    verifyBox(text, icon);
+    verifyLog(formerLines, clock.elapsed());
+    QCOMPARE(m_panel->hasDaemonRecord(), isExecutable);
+}
+
+QTEST_MAIN(tst_Repair)
+#include "tst_Repair.moc"

@@ -23,7 +23,7 @@ constexpr QRgb ActiveTab = qRgb(255, 255, 255);
 constexpr QRgb InactiveTab = qRgb(215, 215, 222);
 constexpr double LegibleContrast = 3.0;
 constexpr QSize HeaderPictureSize(18, 17);
-constexpr std::array IcoSizes = {16, 24, 32, 48, 64};
+constexpr std::array<int, 5> IcoSizes = {16, 24, 32, 48, 64};
 constexpr int PictureCount = IcoSizes.size();
 
 QString bundled(const QString &name)

@@ -21,5 +21,5 @@ quietly lintian --allow-root --no-cfg --pedantic --display-info --display-experi
 
 page=$(only "$share"/man/man1/*.gz)
 MANWIDTH=80 man --warnings --local-file "$page" >"$scratch/page" 2>"$scratch/remarks"
-[ -s "$scratch/page" ] && [ ! -s "$scratch/remarks" ] ||
-    fail "manual page: $(cat "$scratch/remarks")"
+[ -s "$scratch/page" ] || fail "the manual page is empty"
+[ ! -s "$scratch/remarks" ] || fail "manual page: $(cat "$scratch/remarks")"

@@ -44,13 +44,25 @@ QImage shownCursor()
 QImage pictureOfCursor(Qt::CursorShape shape)
 {
     QWidget window;
-    window.setCursor(shape);
+    window.setCursor(Qt::ArrowCursor);
     window.setGeometry(0, 0, 100, 100);
     window.setWindowFlag(Qt::BypassWindowManagerHint);
     window.show();
     if (!QTest::qWaitForWindowExposed(&window))
         return {};
-    // The server shows a window's cursor as soon as the pointer is in it.
+
+    // Between two windows the server shows an empty cursor for a moment.
+    const auto isShown = [](const QImage &cursor) { return cursor.width() > 1; };
     QCursor::setPos(window.mapToGlobal(window.rect().center()));
-    return QTest::qWaitFor([&] { return window.underMouse(); }) ? shownCursor() : QImage();
+    if (!QTest::qWaitFor([&] { return window.underMouse() && isShown(shownCursor()); }))
+        return {};
+
+    const QImage arrow = shownCursor();
+    window.setCursor(shape);
+    QImage picture;
+    const bool hasChanged = QTest::qWaitFor([&] {
+        picture = shownCursor();
+        return isShown(picture) && picture != arrow;
+    });
+    return hasChanged ? picture : QImage();
 }

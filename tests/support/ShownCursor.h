@@ -10,7 +10,7 @@
 QImage shownCursor();
 
 /*!
-    The picture that the X server shows for the cursor \a shape, found by moving the pointer over a
-    window of this process's own. The pointer stays there.
+    The picture that the X server shows for the cursor \a shape, which is not the arrow, found by
+   moving the pointer over a window of this process's own. The pointer stays there.
 */
 QImage pictureOfCursor(Qt::CursorShape shape);

@@ -31,6 +31,8 @@ int main(int argc, char *argv[])
     QDesktopServices::setUrlHandler(QStringLiteral("https"), &urlHandler, "handle");
     QDesktopServices::setUrlHandler(QStringLiteral("http"), &urlHandler, "handle");
 
+    // Pictures at their full sharpness where the screen has more pixels to a point.
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/client/resources/application.svg")));
 

@@ -14,6 +14,20 @@ struct LastPid : PrivateMember<LastPid, qint64, OverviewForm>
 };
 template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
 
+namespace {
+
+//! The shape of the override cursor at each line that is logged, -1 for none.
+QVector<int> cursorsWhileLogging;
+
+void noteCursor(QtMsgType /*type*/, const QMessageLogContext & /*context*/,
+                const QString & /*message*/)
+{
+    const QCursor *cursor = QApplication::overrideCursor();
+    cursorsWhileLogging.append(cursor ? int(cursor->shape()) : -1);
+}
+
+} // namespace
+
 /*!
     What a repair makes of lastPid and of the probe's answer, with tools that answer as told. The
     whole road, with real daemons, is tested on the whole program.
@@ -87,11 +101,17 @@ void tst_RepairDecision::decides()
     });
     closer.start(50);
 
+    cursorsWhileLogging.clear();
+    const QtMessageHandler formerHandler = qInstallMessageHandler(noteCursor);
     QElapsedTimer clock;
     clock.start();
     page.findChild<QPushButton *>(QStringLiteral("xfkqfw"))->click();
     closer.stop();
+    qInstallMessageHandler(formerHandler);
 
+    // The path and the seconds are logged, both under the wait cursor.
+    QCOMPARE(cursorsWhileLogging,
+             isRepair ? (QVector<int> {Qt::WaitCursor, Qt::WaitCursor}) : QVector<int>());
     QCOMPARE(boxes, 1);
     QCOMPARE(LastPid::of(page), lastPid);
     QCOMPARE(shims.calls(QStringLiteral("pgrep")).size(), isRepair ? 1 : 0);

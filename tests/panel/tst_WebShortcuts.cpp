@@ -8,9 +8,9 @@
 namespace {
 
 const auto Opener = QStringLiteral("xdg-open");
-const auto ServiceHall = QStringLiteral("https://hall.shuochuan.example/#/software-selfHelp");
+const auto ServiceHall = QStringLiteral("https://" PANEL_SERVICE_HALL_HOST "/#/software-selfHelp");
 const auto KnowledgeBase =
-        QStringLiteral("https://wiki.shuochuan.example/kqwiki/fullTextSearch.xhtml");
+        QStringLiteral("https://" PANEL_KNOWLEDGE_BASE_HOST "/kqwiki/fullTextSearch.xhtml");
 
 } // namespace
 

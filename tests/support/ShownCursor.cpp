@@ -1,8 +1,5 @@
 #include "tests/support/ShownCursor.h"
 
-#include <QTest>
-#include <QWidget>
-
 #include <cstdlib>
 #include <memory>
 
@@ -39,30 +36,4 @@ QImage shownCursor()
     const auto *pixels =
             reinterpret_cast<const uchar *>(xcb_xfixes_get_cursor_image_cursor_image(image.get()));
     return QImage(pixels, image->width, image->height, QImage::Format_ARGB32_Premultiplied).copy();
-}
-
-QImage pictureOfCursor(Qt::CursorShape shape)
-{
-    QWidget window;
-    window.setCursor(Qt::ArrowCursor);
-    window.setGeometry(0, 0, 100, 100);
-    window.setWindowFlag(Qt::BypassWindowManagerHint);
-    window.show();
-    if (!QTest::qWaitForWindowExposed(&window))
-        return {};
-
-    // Between two windows the server shows an empty cursor for a moment.
-    const auto isShown = [](const QImage &cursor) { return cursor.width() > 1; };
-    QCursor::setPos(window.mapToGlobal(window.rect().center()));
-    if (!QTest::qWaitFor([&] { return window.underMouse() && isShown(shownCursor()); }))
-        return {};
-
-    const QImage arrow = shownCursor();
-    window.setCursor(shape);
-    QImage picture;
-    const bool hasChanged = QTest::qWaitFor([&] {
-        picture = shownCursor();
-        return isShown(picture) && picture != arrow;
-    });
-    return hasChanged ? picture : QImage();
 }

@@ -1,0 +1,52 @@
+# The Debian packages that the panel needs, for run.sh, test.sh and .ci/run. To be sourced.
+#
+# bash, grep and an awk are essential on Debian and not listed.
+
+# To build the panel.
+build_packages=(
+    cmake
+    g++
+    ninja-build
+    qtbase5-dev
+)
+
+# To run it: the SVG plug-in (the ICO plug-in and the X11 platform come with Qt itself), the process
+# tools, the desktop's opener, and a font with Chinese glyphs.
+run_packages=(
+    libqt5svg5
+    procps
+    xdg-utils
+    fonts-noto-cjk
+)
+
+# To run it without a display: a private X server with a window manager, and a picture of it.
+display_packages=(
+    xvfb
+    openbox
+    xdotool
+    x11-utils
+    imagemagick
+)
+
+# To test it.
+test_packages=(
+    libxcb-xfixes0-dev
+    pkg-config
+    appstream
+    desktop-file-utils
+    dpkg-dev
+    fakeroot
+    file
+    icoutils
+    librsvg2-bin
+    lintian
+    man-db
+)
+
+# To hold it to its standards: formatter, linter, sanitizers' second compiler.
+check_packages=(
+    clang
+    clang-format
+    clang-tidy
+    git
+)

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Starts the panel on the display at hand, waits until its page shows the daemon's row, and saves a
+# picture of the window:
+#
+#   picture-of-the-row.sh PANEL PICTURE
+#
+# Ends with 0 only if the row was there. Ends the panel and the daemon that it started.
+set -euo pipefail
+panel=$1
+picture=$2
+
+# The row's ground, a colour that nothing else in the window has, and how much of it a row shows at
+# least: more than half of 780 x 38 pixels.
+row_colour='#E7ECF7'
+row_pixels=15000
+patience=30
+
+record=$PWD/Corvane.record
+CORVANE_RECORD=$record "$panel" &
+panel_pid=$!
+
+clean_up() {
+    local pid
+    for pid in "$panel_pid" $(sed -n 's/^pid=//p' "$record" 2>/dev/null); do
+        kill "$pid" 2>/dev/null || continue
+    done
+    wait "$panel_pid" 2>/dev/null || :
+}
+trap clean_up EXIT
+
+row_in() {
+    local count
+    count=$(/usr/bin/convert "$1" -fill black +opaque "$row_colour" -fill white -opaque "$row_colour" \
+        -format '%[fx:int(mean*w*h+0.5)]' info:)
+    [ "$count" -ge "$row_pixels" ]
+}
+
+deadline=$((SECONDS + patience))
+until [ -n "${window:-}" ] && import -window "$window" "$picture" 2>/dev/null && row_in "$picture"; do
+    kill -0 "$panel_pid" 2>/dev/null || { echo "the panel has ended" >&2; exit 1; }
+    [ "$SECONDS" -lt "$deadline" ] || { echo "the page shows no row" >&2; exit 1; }
+    window=$(xdotool search --onlyvisible --pid "$panel_pid" 2>/dev/null | tail -n 1) || window=
+    sleep 0.1
+done
+
+# The row that it shows is that of the daemon which the panel has started.
+kill -0 "$(sed -n 's/^pid=//p' "$record")"

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the panel and starts it with the stand-in daemon beside it.
+#
+# On a desktop the panel's window opens there, and the script ends with the panel's exit status.
+# Without a display it opens on a private one: the script waits until the page shows the daemon's row,
+# saves a picture of the window, prints its path, and ends with 0 only if the row was really there.
+set -euo pipefail
+project=$(cd "$(dirname "$0")/.." && pwd)
+. "$project/scripts/common.sh"
+
+build=$project/build/release
+picture=$build/panel.png
+
+need_packages "${build_packages[@]}" "${run_packages[@]}"
+[ -n "${DISPLAY:-}" ] || need_packages "${display_packages[@]}"
+
+configure release -DCMAKE_BUILD_TYPE=Release
+cmake --build "$build" --target corvane-panel Corvane
+
+if [ -z "${DISPLAY:-}" ]; then
+    rm -f "$picture"
+    "$project/tests/support/in-desktop.sh" --pid-namespace -- \
+        "$project/scripts/picture-of-the-row.sh" "$build/bin/corvane-panel" "$picture"
+    say "the page shows the daemon's row; a picture of the window: $picture"
+    exit 0
+fi
+
+# The panel leaves its daemon running, on purpose. This one is only a stand-in, so it goes when the
+# panel has gone.
+record=$(mktemp -d)/Corvane
+status=0
+CORVANE_RECORD=$record "$build/bin/corvane-panel" || status=$?
+if [ -f "$record" ]; then
+    # Gone already is as good.
+    kill "$(sed -n 's/^pid=//p' "$record")" 2>/dev/null || :
+fi
+rm -rf "$(dirname "$record")"
+exit "$status"

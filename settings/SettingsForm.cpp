@@ -1,0 +1,170 @@
+#include "settings/SettingsForm.h"
+
+#include "ui_SettingsForm.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <array>
+
+namespace {
+
+//! A key of the settings file: what a missing value stands for and, for a number, what is accepted.
+struct Setting
+{
+    const char *key = nullptr;
+    int initial = 0;
+    int minimum = 0;
+    int maximum = 0;
+};
+
+constexpr Setting LogLevel = {"log/level", 1}; // by its place among LevelNames
+constexpr Setting LogDays = {"log/days", 30, 10, 30};
+constexpr Setting RpcLogs = {"rpc/enableLogs", false};
+constexpr Setting RpcTimeout = {"rpc/timeout", 30, 10, 60}; // seconds
+constexpr Setting RpcThreads = {"rpc/threads", 5, 1, 8};
+constexpr Setting MsgPull = {"msg/pullInterval", 10, 5, 30}; // minutes
+constexpr Setting MsgUpdate = {"msg/updateInterval", 3, 1, 10}; // seconds
+constexpr Setting MsgUpload = {"msg/uploadInterval", 3, 1, 30}; // minutes
+
+//! As the user sees them and as the file holds them.
+constexpr std::array<const char *, 5> LevelNames = {
+        QT_TRANSLATE_NOOP("SettingsForm", "调试"), QT_TRANSLATE_NOOP("SettingsForm", "信息"),
+        QT_TRANSLATE_NOOP("SettingsForm", "警告"), QT_TRANSLATE_NOOP("SettingsForm", "错误"),
+        QT_TRANSLATE_NOOP("SettingsForm", "致命"),
+};
+
+void setUpNumber(QSpinBox *field, const Setting &setting)
+{
+    field->setRange(setting.minimum, setting.maximum);
+    field->setValue(setting.initial);
+}
+
+QVariant read(const QSettings *settings, const Setting &setting, const QVariant &initial)
+{
+    return settings->value(QLatin1String(setting.key), initial);
+}
+
+void readNumber(const QSettings *settings, const Setting &setting, QSpinBox *field)
+{
+    const int number = read(settings, setting, setting.initial).toInt();
+    // The field would clamp it: what is out of range must not show at all.
+    if (number >= setting.minimum && number <= setting.maximum)
+        field->setValue(number);
+}
+
+void write(QSettings *settings, const Setting &setting, const QVariant &value)
+{
+    settings->setValue(QLatin1String(setting.key), value);
+}
+
+} // namespace
+
+SettingsForm::SettingsForm(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui_SettingsForm)
+{
+    ui->setupUi(this);
+
+    int level = 0;
+    for (const char *name : LevelNames)
+        ui->cbLogLevel->addItem(tr(name), level++);
+    ui->cbLogLevel->setCurrentIndex(LogLevel.initial);
+    setUpNumber(ui->spinLogDays, LogDays);
+    ui->cbRpcLog->setChecked(RpcLogs.initial);
+    ui->labelRpcLog->hide();
+    setUpNumber(ui->spinRpcTimeout, RpcTimeout);
+    setUpNumber(ui->spinThreadNums, RpcThreads);
+    setUpNumber(ui->spinPullMessage, MsgPull);
+    setUpNumber(ui->spinStatusUpdate, MsgUpdate);
+    setUpNumber(ui->spinUpload, MsgUpload);
+
+    connect(ui->cbLogLevel, SIGNAL(activated(int)), this, SLOT(logLevelChanged()));
+    connect(ui->spinLogDays, SIGNAL(valueChanged(int)), this, SLOT(logDaysChanged()));
+    connect(ui->cbRpcLog, &QCheckBox::stateChanged, this, &SettingsForm::rpcLogChanged);
+    connect(ui->spinRpcTimeout, SIGNAL(valueChanged(int)), this, SLOT(rpcTimeoutChanged()));
+    connect(ui->spinThreadNums, SIGNAL(valueChanged(int)), this, SLOT(rpcThreadsChanged()));
+    connect(ui->spinPullMessage, SIGNAL(valueChanged(int)), this, SLOT(msgPullChanged()));
+    connect(ui->spinStatusUpdate, SIGNAL(valueChanged(int)), this, SLOT(msgUpdateChanged()));
+    connect(ui->spinUpload, SIGNAL(valueChanged(int)), this, SLOT(msgUploadChanged()));
+
+    // Behind the connections on purpose: what loading changes is written back and shows the
+    // warning.
+    loadConfig();
+}
+
+SettingsForm::~SettingsForm()
+{
+    delete ui;
+}
+
+void SettingsForm::loadConfig()
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation)
+                           + QStringLiteral("/KqVantora");
+    // Of a relative path this makes a second one inside the first; kept as the design has it.
+    QDir(folder).mkpath(folder);
+    settings = new QSettings(QStringLiteral("%1/settings.ini").arg(folder), QSettings::IniFormat,
+                             this);
+    if (settings->status() != QSettings::NoError)
+        return;
+
+    const QString level = read(settings, LogLevel, tr(LevelNames[LogLevel.initial])).toString();
+    const int item = ui->cbLogLevel->findText(level);
+    if (item >= 0)
+        ui->cbLogLevel->setCurrentIndex(item);
+    readNumber(settings, LogDays, ui->spinLogDays);
+    ui->cbRpcLog->setChecked(read(settings, RpcLogs, bool(RpcLogs.initial)).toBool());
+    readNumber(settings, RpcTimeout, ui->spinRpcTimeout);
+    readNumber(settings, RpcThreads, ui->spinThreadNums);
+    readNumber(settings, MsgPull, ui->spinPullMessage);
+    readNumber(settings, MsgUpdate, ui->spinStatusUpdate);
+    readNumber(settings, MsgUpload, ui->spinUpload);
+}
+
+void SettingsForm::saveConfig()
+{
+    // Empty on purpose: the slots below write each change at once.
+}
+
+void SettingsForm::logLevelChanged()
+{
+    write(settings, LogLevel, ui->cbLogLevel->currentText());
+}
+
+void SettingsForm::logDaysChanged()
+{
+    write(settings, LogDays, ui->spinLogDays->value());
+}
+
+void SettingsForm::rpcLogChanged()
+{
+    ui->labelRpcLog->setVisible(ui->cbRpcLog->isChecked());
+    write(settings, RpcLogs, ui->cbRpcLog->isChecked());
+}
+
+void SettingsForm::rpcTimeoutChanged()
+{
+    write(settings, RpcTimeout, ui->spinRpcTimeout->value());
+}
+
+void SettingsForm::rpcThreadsChanged()
+{
+    write(settings, RpcThreads, ui->spinThreadNums->value());
+}
+
+void SettingsForm::msgPullChanged()
+{
+    write(settings, MsgPull, ui->spinPullMessage->value());
+}
+
+void SettingsForm::msgUpdateChanged()
+{
+    write(settings, MsgUpdate, ui->spinStatusUpdate->value());
+}
+
+void SettingsForm::msgUploadChanged()
+{
+    write(settings, MsgUpload, ui->spinUpload->value());
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QWidget>
+
+class QSettings;
+class Ui_SettingsForm;
+
+/*!
+    The settings page: shows what the daemon's settings file holds and writes each change of the
+    user to it, key by key; there is nothing to confirm.
+
+    The file is settings.ini in the folder KqVantora under the user's configuration folder. It is
+    read once, while the page is constructed: what another program changes later is neither shown
+    nor overwritten until the user changes that very field. A change reaches the disk at the next
+    pass of the event loop, and at the latest when the page is destroyed. What can't be read or
+    written is not reported. docs/settings-file.md describes the file.
+*/
+class SettingsForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /*!
+        Builds the page, creates the settings file's folder where it is missing, and loads the file.
+        \a parent is the owner.
+    */
+    explicit SettingsForm(QWidget *parent = nullptr);
+    //! Writes what is still pending.
+    ~SettingsForm() override;
+
+    /*!
+        Opens the settings file and shows its values; called once, by the constructor. A key that
+        is missing, or whose value is not accepted, leaves its field as it is and is left alone in
+        the file; a value other than the default is written back. A file that can't be opened or
+        parsed changes no field; later changes are handed to it all the same.
+    */
+    void loadConfig();
+    //! Does nothing: every change has been written by the time that this could be called.
+    void saveConfig();
+
+private slots:
+    void logLevelChanged();
+    void logDaysChanged();
+    void rpcLogChanged();
+    void rpcTimeoutChanged();
+    void rpcThreadsChanged();
+    void msgPullChanged();
+    void msgUpdateChanged();
+    void msgUploadChanged();
+
+private:
+    Ui_SettingsForm *ui;
+    QSettings *settings = nullptr;
+};

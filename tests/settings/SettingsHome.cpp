@@ -1,0 +1,130 @@
+#include "tests/settings/SettingsHome.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QSpinBox>
+
+#include <sys/stat.h>
+
+namespace {
+
+constexpr const char *ConfigVariable = "XDG_CONFIG_HOME";
+
+template<typename Widget>
+const Widget *field(const QWidget &page, const char *name)
+{
+    const auto *widget = page.findChild<Widget *>(QLatin1String(name));
+    if (!widget)
+        qFatal("the page has no %s", name);
+    return widget;
+}
+
+QString number(const QWidget &page, const char *name)
+{
+    return QString::number(field<QSpinBox>(page, name)->value());
+}
+
+} // namespace
+
+SettingsHome::SettingsHome()
+    : m_formerConfig(qgetenv(ConfigVariable))
+{
+    if (!m_dir.isValid())
+        qFatal("can't make a configuration folder");
+    qputenv(ConfigVariable, QFile::encodeName(m_dir.path()));
+}
+
+SettingsHome::~SettingsHome()
+{
+    qputenv(ConfigVariable, m_formerConfig);
+}
+
+QString SettingsHome::path(const QString &name) const
+{
+    return name.isEmpty() ? m_dir.path() : m_dir.filePath(name);
+}
+
+QString SettingsHome::folder() const
+{
+    return m_dir.filePath(QStringLiteral("KqVantora"));
+}
+
+QString SettingsHome::file() const
+{
+    return folder() + QStringLiteral("/settings.ini");
+}
+
+void SettingsHome::write(const QByteArray &content) const
+{
+    if (!QDir().mkpath(folder()))
+        qFatal("can't make %s", qPrintable(folder()));
+    writeFile(file(), content);
+}
+
+QByteArray SettingsHome::read() const
+{
+    return readFile(file());
+}
+
+QByteArray SettingsHome::state() const
+{
+    struct stat status = {};
+    if (stat(QFile::encodeName(file()).constData(), &status) != 0)
+        return {};
+    QByteArray text;
+    for (const long value : {static_cast<long>(status.st_ino), static_cast<long>(status.st_size),
+                             status.st_mtim.tv_sec, status.st_mtim.tv_nsec})
+        text += QByteArray::number(static_cast<qlonglong>(value)) + ' ';
+    return text;
+}
+
+QStringList SettingsHome::entries() const
+{
+    return QDir(folder()).entryList(
+            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    return content.isNull() ? QByteArray("") : content;
+}
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
+        qFatal("can't write %s", qPrintable(path));
+}
+
+QStringList shown(const QWidget &page)
+{
+    return {field<QComboBox>(page, "cbLogLevel")->currentText(),
+            number(page, "spinLogDays"),
+            field<QCheckBox>(page, "cbRpcLog")->isChecked() ? QStringLiteral("on")
+                                                            : QStringLiteral("off"),
+            number(page, "spinRpcTimeout"),
+            number(page, "spinThreadNums"),
+            number(page, "spinPullMessage"),
+            number(page, "spinStatusUpdate"),
+            number(page, "spinUpload")};
+}
+
+QStringList defaults()
+{
+    return {QStringLiteral("信息"), QStringLiteral("30"), QStringLiteral("off"),
+            QStringLiteral("30"),   QStringLiteral("5"),  QStringLiteral("10"),
+            QStringLiteral("3"),    QStringLiteral("3")};
+}
+
+QStringList defaultsBut(int index, const QString &text)
+{
+    QStringList texts = defaults();
+    texts[index] = text;
+    return texts;
+}

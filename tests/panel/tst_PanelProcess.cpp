@@ -1,0 +1,127 @@
+#include "tests/support/PanelProcess.h"
+
+#include <QMessageBox>
+#include <QTest>
+
+/*!
+    The tests' own tool, on things whose answers are known without the panel's help.
+*/
+class tst_PanelProcess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void findsObjectsByNameAndClass();
+    void keepsTheTypeOfAProperty();
+    void describesAMessageBoxAndClicksItAway();
+    void countsObjectsAndDescriptors();
+    void typesIntoTheFocusedWidget();
+    void grabsWhatTheScreenShows();
+    void tellsTheExitStatusAndTheErrorLines();
+
+private:
+    std::unique_ptr<PanelProcess> m_panel;
+};
+
+void tst_PanelProcess::init()
+{
+    m_panel = std::make_unique<PanelProcess>(QStringLiteral("a folder"));
+    QVERIFY(m_panel->start());
+}
+
+void tst_PanelProcess::cleanup()
+{
+    m_panel.reset();
+}
+
+void tst_PanelProcess::findsObjectsByNameAndClass()
+{
+    QCOMPARE(m_panel->count(QStringLiteral("treeWidgetOW")), 1);
+    QCOMPARE(m_panel->count(QStringLiteral("ServiceContainer/OverviewForm/treeWidgetOW")), 1);
+    QCOMPARE(m_panel->count(QStringLiteral("treeWidgetOW/OverviewForm")), 0);
+    QCOMPARE(m_panel->count(QStringLiteral("OverviewForm/QTreeWidget")), 2);
+    QCOMPARE(m_panel->count(QStringLiteral("OverviewForm/QTreeView")), 2);
+    QVERIFY(!m_panel->exists(QStringLiteral("QMessageBox")));
+    QCOMPARE(m_panel->describe(QStringLiteral("treeWidgetOW")).value(QStringLiteral("class")),
+             QVariant(QStringLiteral("QTreeWidget")));
+}
+
+void tst_PanelProcess::keepsTheTypeOfAProperty()
+{
+    const qlonglong number = Q_INT64_C(9223372036854775807);
+    const QString window = QStringLiteral("ServiceContainer");
+    QVERIFY(!m_panel->property(window, "number").isValid());
+    m_panel->setProperty(window, "number", number);
+    QCOMPARE(m_panel->property(window, "number"), QVariant(number));
+    QCOMPARE(m_panel->property(window, "size"), QVariant(QSize(800, 600)));
+    QCOMPARE(m_panel->property(window, "windowModality").toInt(), static_cast<int>(Qt::NonModal));
+}
+
+void tst_PanelProcess::describesAMessageBoxAndClicksItAway()
+{
+    QVERIFY(!m_panel->messageBox());
+    m_panel->invoke(QStringLiteral("qApp"), "aboutQt");
+    QTRY_VERIFY(m_panel->messageBox());
+
+    const PanelProcess::MessageBox box = *m_panel->messageBox();
+    QCOMPARE(box.title, QStringLiteral("About Qt"));
+    QVERIFY(box.text.contains(QLatin1String("About Qt")));
+    QCOMPARE(box.icon, static_cast<int>(QMessageBox::NoIcon));
+    QCOMPARE(box.standardButtons, static_cast<int>(QMessageBox::Ok));
+    QCOMPARE(box.buttons.size(), 1);
+    QCOMPARE(box.defaultButton, QString());
+    QVERIFY(m_panel->globalRect(QStringLiteral("QMessageBox")).isValid());
+
+    QTRY_VERIFY(m_panel->isExposed(QStringLiteral("QMessageBox")));
+    m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
+    QTRY_VERIFY(!m_panel->messageBox());
+}
+
+void tst_PanelProcess::countsObjectsAndDescriptors()
+{
+    const int objects = m_panel->application(QStringLiteral("objects")).toInt();
+    const int descriptors = m_panel->application(QStringLiteral("descriptors")).toInt();
+    QVERIFY(objects > m_panel->count(QStringLiteral("QWidget")));
+    QVERIFY(descriptors > 3);
+    QCOMPARE(m_panel->application(QStringLiteral("children")).toList(), QVariantList());
+    QCOMPARE(m_panel->application(QStringLiteral("overrideCursor")).toInt(), -1);
+    QCOMPARE(m_panel->application(QStringLiteral("pid")).toLongLong(), m_panel->pid());
+
+    m_panel->invoke(QStringLiteral("qApp"), "aboutQt");
+    QTRY_VERIFY(m_panel->messageBox());
+    QVERIFY(m_panel->application(QStringLiteral("objects")).toInt() > objects);
+}
+
+void tst_PanelProcess::typesIntoTheFocusedWidget()
+{
+    m_panel->invoke(QStringLiteral("qApp"), "aboutQt");
+    QTRY_VERIFY(m_panel->messageBox());
+    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
+    PanelProcess::pressKeys("Escape");
+    QTRY_VERIFY(!m_panel->messageBox());
+}
+
+void tst_PanelProcess::grabsWhatTheScreenShows()
+{
+    const QString button = QStringLiteral("xfkqfw");
+    const QRect place = m_panel->globalRect(button);
+    QCOMPARE(place.size(), m_panel->property(button, "size").toSize());
+    QTRY_COMPARE(m_panel->grabScreen().copy(place).convertToFormat(QImage::Format_RGB32),
+                 m_panel->grab(button).convertToFormat(QImage::Format_RGB32));
+}
+
+void tst_PanelProcess::tellsTheExitStatusAndTheErrorLines()
+{
+    QCOMPARE(m_panel->errorLines(),
+             QStringList(QStringLiteral("file: \"%1/Corvane\"").arg(m_panel->folder())));
+    QVERIFY(m_panel->folder().endsWith(QLatin1String("/a folder")));
+    m_panel->invoke(QStringLiteral("ServiceContainer"), "close");
+    QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+    QVERIFY(!m_panel->isRunning());
+}
+
+QTEST_MAIN(tst_PanelProcess)
+#include "tst_PanelProcess.moc"

@@ -1,0 +1,172 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <QImage>
+#include <QList>
+#include <QPoint>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QVariant>
+
+#include <memory>
+#include <optional>
+
+class QLocalSocket;
+
+/*!
+    The real panel, run in a folder of the test's own: a copy of the executable and, where the test
+    puts one there, of the stand-in daemon beside it. A plug-in that Qt loads into the unchanged
+    program (see Inspector) answers questions about it; the mouse and the keyboard are real input
+    through the X server.
+
+    A question that can't be answered (no such object, panel gone or blocked for over half a
+    minute) fails the running test function and yields an invalid value.
+
+    Addresses of objects are steps parted by '/', each an object name or a class name, such as
+    "ServiceContainer", "labelNoService" or "QMessageBox/QPushButton"; "qApp" is the application
+    object.
+
+    The destructor ends the panel and every daemon that runs from its folder, by process number.
+*/
+class PanelProcess
+{
+public:
+    //! Makes the folder \a folderName below a temporary one and puts the panel there.
+    explicit PanelProcess(const QString &folderName = QStringLiteral("panel"));
+    ~PanelProcess();
+
+    PanelProcess(const PanelProcess &) = delete;
+    PanelProcess &operator=(const PanelProcess &) = delete;
+
+    // --- before the start
+
+    //! The panel's folder, as the panel itself names it.
+    QString folder() const;
+    //! The path at which the panel looks for the daemon.
+    QString daemonPath() const;
+
+    //! Puts the stand-in daemon beside the panel. It records its start, see daemonRecord().
+    void placeDaemon();
+    //! Sets \a name to \a value in the daemon's own configuration file, see Corvane.cpp.
+    void configureDaemon(const QByteArray &name, const QByteArray &value);
+
+    //! The environment for the panel: this process's own, and the inspector. Change it at will.
+    QProcessEnvironment &environment();
+    //! The folder of the inspector's plug-in, which must stand in the panel's QT_PLUGIN_PATH.
+    static QString pluginPath();
+
+    // --- the process
+
+    /*!
+        Starts the panel with \a arguments and waits until its window is on the screen. Returns
+        whether it is; the running test function has failed if not.
+    */
+    bool start(const QStringList &arguments = {});
+    //! The panel's process number, while it runs.
+    qint64 pid() const;
+    bool isRunning() const;
+    //! Waits for the panel's end; returns its exit status, or nothing when it crashed or goes on.
+    std::optional<int> waitForExit();
+    //! What the panel, and its children with it, wrote to standard error so far.
+    QStringList errorLines() const;
+
+    // --- the daemon beside the panel
+
+    //! The process numbers of the daemons that run from the panel's folder.
+    QList<qint64> daemonPids() const;
+    //! Whether a stand-in daemon of this folder has recorded its start.
+    bool hasDaemonRecord() const;
+    //! The values recorded under \a key by the last such start: "pid", "directory", "argument"
+    //! (the first is the program), "environment".
+    QStringList daemonRecord(const QString &key) const;
+
+    // --- questions
+
+    //! How many objects \a address fits.
+    int count(const QString &address);
+    bool exists(const QString &address) { return count(address) > 0; }
+    //! "name", "class", "parentName" and "parentClass" of an object.
+    QVariantMap describe(const QString &address);
+    //! A property, its type kept; icons as a QImage of 64 pixels, enumerations as int.
+    QVariant property(const QString &address, const QByteArray &name);
+    bool setProperty(const QString &address, const QByteArray &name, const QVariant &value);
+    //! Calls the slot or invokable \a method as soon as the panel's event loop is reached.
+    bool invoke(const QString &address, const QByteArray &method);
+    //! The widget's rectangle on the screen.
+    QRect globalRect(const QString &address);
+    //! The X window that the widget is in, for xprop and its like.
+    qulonglong windowId(const QString &address);
+    //! Whether the widget is visible in a window that the X server shows.
+    bool isExposed(const QString &address);
+    QImage grab(const QString &address);
+    //! The whole screen, window frames and all.
+    QImage grabScreen();
+
+    struct Cell
+    {
+        QString text;
+        int alignment; //!< Qt::Alignment
+        QRect globalRect;
+    };
+    using Row = QList<Cell>;
+    QList<Row> rows(const QString &itemView);
+    //! The texts of the top-level rows of an item view.
+    QList<QStringList> rowTexts(const QString &itemView);
+    QStringList headers(const QString &treeView);
+
+    struct MessageBox
+    {
+        QString title;
+        QString text;
+        QString informativeText;
+        int icon; //!< QMessageBox::Icon
+        QStringList buttons;
+        int standardButtons; //!< QMessageBox::StandardButtons
+        QString defaultButton; //!< the text of the one that was asked for, if any
+        QString parentName;
+        QString parentClass;
+        QRect frameGeometry;
+    };
+    //! The modal message box that is open, if any.
+    std::optional<MessageBox> messageBox();
+
+    /*!
+        Figures of the whole program: "pid", "platform", "font", "overrideCursor" (Qt::CursorShape,
+        -1 for none), "focus" (object name), "environment" (QStringList), "objects" (all QObjects
+        within reach), "descriptors", "children" (process numbers, zombies included).
+    */
+    QVariant application(const QString &figure);
+    //! The picture at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
+    QImage picture(const QString &path);
+
+    // --- real input
+
+    static void moveMouse(const QPoint &global);
+    static void pressButton(int button = LeftButton);
+    static void releaseButton(int button = LeftButton);
+    static void clickAt(const QPoint &global, int button = LeftButton);
+    //! Clicks into the middle of a widget.
+    void click(const QString &address);
+    //! Presses and releases \a keys, in xdotool's words: "Return", "alt+F4".
+    static void pressKeys(const QByteArray &keys);
+
+    static constexpr int LeftButton = 1;
+
+private:
+    QVariant ask(const QString &what, QVariantMap question = {});
+    bool connectToInspector();
+    static void xdotool(const QStringList &arguments);
+
+    QTemporaryDir m_root;
+    QString m_folder;
+    QString m_socketPath;
+    QString m_errorPath;
+    QProcessEnvironment m_environment;
+    QProcess m_process;
+    std::unique_ptr<QLocalSocket> m_socket;
+};

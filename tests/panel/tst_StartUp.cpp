@@ -346,7 +346,7 @@ void tst_StartUp::opensWebAddressesWithTheOpener()
 
 void tst_StartUp::centresTheWindow()
 {
-    // Whatever the screen is: the test is registered with several.
+    // Whatever the screen is: the test is registered with two sizes.
     const QSize screen = QGuiApplication::primaryScreen()->size();
     PanelProcess panel;
 

@@ -20,6 +20,9 @@ set(PANEL_WINDOW_AGENT "auto" CACHE STRING
     "Frameless-window agent: auto, system (an installed QWindowKit) or bundled")
 set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS auto system bundled)
 
+# Also makes CMake write the standard into the compile commands, where other tools read it.
+set(CMAKE_CXX_EXTENSIONS OFF)
+
 include(CheckPIESupported)
 check_pie_supported()
 

@@ -3,6 +3,8 @@
 #include <QMessageBox>
 #include <QTest>
 
+#include <limits>
+
 /*!
     The tests' own tool, on things whose answers are known without the panel's help.
 */
@@ -51,7 +53,7 @@ void tst_PanelProcess::findsObjectsByNameAndClass()
 
 void tst_PanelProcess::keepsTheTypeOfAProperty()
 {
-    const qlonglong number = Q_INT64_C(9223372036854775807);
+    constexpr qlonglong number = std::numeric_limits<qlonglong>::max();
     const QString window = QStringLiteral("ServiceContainer");
     QVERIFY(!m_panel->property(window, "number").isValid());
     m_panel->setProperty(window, "number", number);

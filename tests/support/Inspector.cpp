@@ -1,11 +1,13 @@
 #include "tests/support/Inspector.h"
 
+#include "tests/support/childProcesses.h"
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCursor>
 #include <QDataStream>
+#include <QDesktopServices>
 #include <QDir>
-#include <QFile>
 #include <QGenericPlugin>
 #include <QHeaderView>
 #include <QIcon>
@@ -18,6 +20,7 @@
 #include <QScreen>
 #include <QSet>
 #include <QTreeView>
+#include <QUrl>
 #include <QWindow>
 
 #include <algorithm>
@@ -114,14 +117,9 @@ int descriptorCount()
 QVariantList childNumbers()
 {
     QVariantList result;
-    QFile file(QStringLiteral("/proc/thread-self/children"));
-    if (file.open(QIODevice::ReadOnly)) {
-        const QList<QByteArray> numbers = file.readAll().simplified().split(' ');
-        for (const QByteArray &number : numbers) {
-            if (!number.isEmpty())
-                result.append(number.toLongLong());
-        }
-    }
+    const QList<qint64> numbers = childProcesses();
+    for (const qint64 number : numbers)
+        result.append(number);
     return result;
 }
 
@@ -146,6 +144,7 @@ Inspector::Inspector(const QString &socketPath)
                    {QStringLiteral("view"), &Inspector::view},
                    {QStringLiteral("messageBox"), &Inspector::messageBox},
                    {QStringLiteral("application"), &Inspector::application},
+                   {QStringLiteral("openUrl"), &Inspector::openUrl},
                    {QStringLiteral("picture"), &Inspector::picture}}
 {
     connect(&m_server, &QLocalServer::newConnection, this, &Inspector::admit);
@@ -372,6 +371,11 @@ QVariant Inspector::application(const Question &)
                         {QStringLiteral("objects"), objects.size()},
                         {QStringLiteral("descriptors"), descriptorCount()},
                         {QStringLiteral("children"), childNumbers()}};
+}
+
+QVariant Inspector::openUrl(const Question &question)
+{
+    return QDesktopServices::openUrl(question.value(QStringLiteral("url")).toUrl());
 }
 
 QVariant Inspector::picture(const Question &question)

@@ -56,6 +56,7 @@ private:
     QVariant view(const Question &question);
     QVariant messageBox(const Question &question);
     QVariant application(const Question &question);
+    QVariant openUrl(const Question &question);
     QVariant picture(const Question &question);
 
     QLocalServer m_server;

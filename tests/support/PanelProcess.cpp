@@ -325,6 +325,11 @@ QVariant PanelProcess::application(const QString &figure)
     return ask(QStringLiteral("application")).toMap().value(figure);
 }
 
+bool PanelProcess::openUrl(const QUrl &url)
+{
+    return ask(QStringLiteral("openUrl"), {{QStringLiteral("url"), url}}).toBool();
+}
+
 QImage PanelProcess::picture(const QString &path)
 {
     return ask(QStringLiteral("picture"), {{QStringLiteral("path"), path}}).value<QImage>();

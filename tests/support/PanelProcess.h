@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <QVariant>
 
 #include <memory>
@@ -141,6 +142,8 @@ public:
         within reach), "descriptors", "children" (process numbers, zombies included).
     */
     QVariant application(const QString &figure);
+    //! Opens \a url as the panel's own code would; whether anything took it.
+    bool openUrl(const QUrl &url);
     //! The picture at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
     QImage picture(const QString &path);
 

@@ -7,9 +7,6 @@
 //! The number of open file descriptors.
 int openDescriptors();
 
-//! The number of child processes, zombies included.
-int childProcesses();
-
 //! The number of threads.
 int threads();
 

@@ -1,0 +1,158 @@
+#include "app/daemon.h"
+
+#include <QFile>
+#include <QTest>
+
+#include <limits>
+
+using OptionalPid = std::optional<qint64>;
+
+Q_DECLARE_METATYPE(OptionalPid)
+Q_DECLARE_METATYPE(Daemon::LaunchRule)
+
+namespace {
+
+constexpr qint64 Largest = std::numeric_limits<qint64>::max();
+constexpr qint64 Smallest = std::numeric_limits<qint64>::min();
+
+} // namespace
+
+class tst_daemon : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void runsCommandsInBash();
+    void probesByName();
+    void asksForTheFiguresOfAProcess_data();
+    void asksForTheFiguresOfAProcess();
+    void readsTheAnswerOfTheProbe_data();
+    void readsTheAnswerOfTheProbe();
+    void readsNothingOutOfAnEmptyResult();
+    void looksForTheExecutableBesideTheProgram();
+    void doesNotStartWhatIsMissing_data();
+    void doesNotStartWhatIsMissing();
+};
+
+void tst_daemon::runsCommandsInBash()
+{
+    QCOMPARE(Daemon::shell(), QStringLiteral("/bin/bash"));
+    QCOMPARE(Daemon::shellArguments(QStringLiteral("a b | c")),
+             QStringList({QStringLiteral("-c"), QStringLiteral("a b | c")}));
+}
+
+void tst_daemon::probesByName()
+{
+    QCOMPARE(Daemon::probeCommand(),
+             QStringLiteral("pgrep -lf Corvane | grep -w Corvane | awk '{print $1}'"));
+}
+
+void tst_daemon::asksForTheFiguresOfAProcess_data()
+{
+    QTest::addColumn<qint64>("pid");
+    QTest::addColumn<QString>("command");
+
+    QTest::newRow("one") << 1LL << "ps -o comm,pid,user,etime,%cpu,%mem -p 1 | grep -w Corvane";
+    QTest::newRow("four digits") << 1234LL
+                                 << "ps -o comm,pid,user,etime,%cpu,%mem -p 1234 | grep -w Corvane";
+    QTest::newRow("none") << 0LL << "ps -o comm,pid,user,etime,%cpu,%mem -p 0 | grep -w Corvane";
+    QTest::newRow("negative") << -1LL
+                              << "ps -o comm,pid,user,etime,%cpu,%mem -p -1 | grep -w Corvane";
+    QTest::newRow("64 bits")
+            << Largest
+            << "ps -o comm,pid,user,etime,%cpu,%mem -p 9223372036854775807 | grep -w Corvane";
+}
+
+void tst_daemon::asksForTheFiguresOfAProcess()
+{
+    QFETCH(qint64, pid);
+    QTEST(Daemon::detailCommand(pid), "command");
+}
+
+void tst_daemon::readsTheAnswerOfTheProbe_data()
+{
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<bool>("isAnswer");
+    QTest::addColumn<qint64>("pidOrZero");
+    QTest::addColumn<OptionalPid>("singlePid");
+
+    const auto row = [](const char *name, const QByteArray &output, int exitCode, bool isAnswer,
+                        qint64 pidOrZero, OptionalPid singlePid) {
+        QTest::newRow(name) << output << exitCode << isAnswer << pidOrZero << singlePid;
+    };
+
+    row("one line", "1234\n", 0, true, 1234, 1234);
+    row("no new-line", "1234", 0, true, 1234, 1234);
+    row("white space around it", " \t1234 \r\n\n", 0, true, 1234, 1234);
+    row("leading zeros", "0012\n", 0, true, 12, 12);
+    row("sign", "+12\n", 0, true, 12, 12);
+    row("zero", "0\n", 0, true, 0, 0);
+    row("negative", "-5\n", 0, true, -5, -5);
+    row("wider than 32 bits", "4294967297\n", 0, true, 4294967297, 4294967297);
+    row("largest", "9223372036854775807\n", 0, true, Largest, Largest);
+    row("smallest", "-9223372036854775808\n", 0, true, Smallest, Smallest);
+    row("too large", "9223372036854775808\n", 0, true, 0, std::nullopt);
+    row("two lines", "12\n34\n", 0, true, 0, std::nullopt);
+    row("two on a line", "12 34\n", 0, true, 0, std::nullopt);
+    row("a word", "Corvane\n", 0, true, 0, std::nullopt);
+    row("number and word", "12 Corvane\n", 0, true, 0, std::nullopt);
+    row("hexadecimal", "0x12\n", 0, true, 0, std::nullopt);
+    row("fraction", "12.0\n", 0, true, 0, std::nullopt);
+    row("grouped", "1,234\n", 0, true, 0, std::nullopt);
+    row("only white space", " \n", 0, true, 0, std::nullopt);
+    row("bytes that are no text", "\xff\xfe\n", 0, true, 0, std::nullopt);
+    row("nothing", "", 0, false, 0, std::nullopt);
+    row("nothing, failed", "", 1, false, 0, std::nullopt);
+    // The number is still there for those who don't ask whether it counts.
+    row("number, failed", "1234\n", 1, false, 1234, std::nullopt);
+    row("number, killed", "1234\n", 9, false, 1234, std::nullopt);
+    row("number, negative exit code", "1234\n", -1, false, 1234, std::nullopt);
+}
+
+void tst_daemon::readsTheAnswerOfTheProbe()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(int, exitCode);
+    QFETCH(OptionalPid, singlePid);
+    const QList<QVariant> result = {output, exitCode};
+
+    QCOMPARE(Daemon::outputText(result), QString::fromUtf8(output));
+    QTEST(Daemon::isAnswer(result), "isAnswer");
+    QTEST(Daemon::pidOrZero(result), "pidOrZero");
+    QVERIFY(Daemon::singlePid(result) == singlePid);
+}
+
+void tst_daemon::readsNothingOutOfAnEmptyResult()
+{
+    QCOMPARE(Daemon::outputText({}), QString());
+    QVERIFY(!Daemon::isAnswer({}));
+    QCOMPARE(Daemon::pidOrZero({}), 0LL);
+    QVERIFY(!Daemon::singlePid({}));
+    QCOMPARE(Daemon::UnknownPid, -1LL);
+}
+
+void tst_daemon::looksForTheExecutableBesideTheProgram()
+{
+    QCOMPARE(Daemon::executablePath(), QCoreApplication::applicationDirPath() + "/Corvane");
+}
+
+void tst_daemon::doesNotStartWhatIsMissing_data()
+{
+    QTest::addColumn<Daemon::LaunchRule>("rule");
+
+    QTest::newRow("no attempt") << Daemon::LaunchRule::IfExecutableExists;
+    QTest::newRow("attempt refused") << Daemon::LaunchRule::Always;
+}
+
+void tst_daemon::doesNotStartWhatIsMissing()
+{
+    QFETCH(Daemon::LaunchRule, rule);
+    QVERIFY(!QFile::exists(Daemon::executablePath()));
+
+    QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
+    QVERIFY(!Daemon::launch(rule));
+}
+
+QTEST_GUILESS_MAIN(tst_daemon)
+#include "tst_daemon.moc"

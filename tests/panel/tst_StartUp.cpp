@@ -1,0 +1,377 @@
+#include "tests/support/PanelProcess.h"
+#include "tests/support/ShimFolder.h"
+#include "tests/support/StandInDaemon.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QLibraryInfo>
+#include <QScreen>
+#include <QTest>
+
+namespace {
+
+const QString Application = QStringLiteral("qApp");
+const QString Window = QStringLiteral("ServiceContainer");
+constexpr const char *PidProperty = "CorvanePid";
+
+//! Variables that no child of the panel may see.
+const QStringList PrivateVariables = {
+        QStringLiteral("LD_LIBRARY_PATH"),
+        QStringLiteral("LD_PRELOAD"),
+        QStringLiteral("QT_PLUGIN_PATH"),
+        QStringLiteral("QT_QPA_PLATFORM_PLUGIN_PATH"),
+};
+const QString PlatformVariable = QStringLiteral("QT_QPA_PLATFORM");
+
+//! The one line that an attempt to start the daemon writes.
+QStringList attemptLine(const PanelProcess &panel)
+{
+    return {QStringLiteral("file: \"%1\"").arg(panel.daemonPath())};
+}
+
+//! What a child of \a panel must see: the panel's own environment, cleaned.
+QStringList cleanedEnvironment(PanelProcess &panel)
+{
+    QProcessEnvironment environment = panel.environment();
+    for (const QString &variable : PrivateVariables)
+        environment.remove(variable);
+    environment.insert(PlatformVariable, QStringLiteral("xcb"));
+    QStringList result = environment.toStringList();
+    result.sort();
+    return result;
+}
+
+//! Gives \a panel values of its own for the private variables, harmless ones.
+void setPrivateVariables(PanelProcess &panel)
+{
+    const QString plugins = QLibraryInfo::location(QLibraryInfo::PluginsPath);
+    QProcessEnvironment &environment = panel.environment();
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), panel.folder());
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral("libm.so.6"));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"),
+                       PanelProcess::pluginPath() + QLatin1Char(':') + plugins);
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM_PLUGIN_PATH"), plugins + "/platforms");
+    // A sanitizer's library would insist on being loaded first.
+    environment.insert(QStringLiteral("ASAN_OPTIONS"),
+                       environment.value(QStringLiteral("ASAN_OPTIONS"))
+                               + QStringLiteral(":verify_asan_link_order=0"));
+}
+
+QStringList sorted(QStringList list)
+{
+    list.sort();
+    return list;
+}
+
+} // namespace
+
+class tst_StartUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void takesTheRunningDaemon();
+    void startsAFurtherDaemonBesideTwo();
+    void startsTheAbsentDaemonOnce();
+    void cleansTheEnvironment_data();
+    void cleansTheEnvironment();
+    void doesWithoutADaemonThatCantBeStarted_data();
+    void doesWithoutADaemonThatCantBeStarted();
+    void readsTheProbe_data();
+    void readsTheProbe();
+    void runsTheProbeAsWritten();
+    void dressesTheApplicationAndTheWindow();
+    void handsTheArgumentsToTheApplication();
+    void opensWebAddressesWithTheOpener();
+    void centresTheWindow();
+    void endsWithStatusZeroAndLeavesTheDaemon();
+};
+
+void tst_StartUp::takesTheRunningDaemon()
+{
+    const QTemporaryDir elsewhere;
+    const StandInDaemon daemon(elsewhere.filePath(QStringLiteral("Corvane")));
+    PanelProcess panel;
+    panel.placeDaemon();
+
+    QVERIFY(panel.start());
+
+    const QVariant pid = panel.property(Application, PidProperty);
+    QCOMPARE(pid.userType(), static_cast<int>(QMetaType::LongLong));
+    QCOMPARE(pid.toLongLong(), daemon.pid());
+    QCOMPARE(panel.errorLines(), QStringList());
+    QCOMPARE(panel.daemonPids(), QList<qint64>());
+    QVERIFY(!panel.hasDaemonRecord());
+}
+
+void tst_StartUp::startsAFurtherDaemonBesideTwo()
+{
+    const QTemporaryDir elsewhere;
+    const StandInDaemon first(elsewhere.filePath(QStringLiteral("Corvane")));
+    const StandInDaemon second(elsewhere.filePath(QStringLiteral("Corvane")));
+    PanelProcess panel;
+    panel.placeDaemon();
+
+    QVERIFY(panel.start());
+
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    QCOMPARE(panel.errorLines(), attemptLine(panel));
+    QCOMPARE(panel.daemonPids().size(), 1);
+    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().first()));
+}
+
+void tst_StartUp::startsTheAbsentDaemonOnce()
+{
+    PanelProcess panel(QStringLiteral("朔川 \"panel\" $HOME"));
+    panel.placeDaemon();
+
+    QVERIFY(panel.start());
+
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    QCOMPARE(panel.daemonRecord(QStringLiteral("argument")),
+             QStringList({panel.daemonPath(), QStringLiteral("quickboot")}));
+    QCOMPARE(panel.daemonRecord(QStringLiteral("directory")), QStringList(panel.folder()));
+    QCOMPARE(panel.daemonPids().size(), 1);
+    const QVariant pid = panel.property(Application, PidProperty);
+    QCOMPARE(pid.userType(), static_cast<int>(QMetaType::LongLong));
+    QCOMPARE(pid.toLongLong(), panel.daemonPids().first());
+    // The logging stream quotes the path, and with it the quotes inside.
+    QCOMPARE(panel.errorLines(),
+             QStringList(QStringLiteral("file: \"%1\"")
+                                 .arg(panel.daemonPath().replace(QLatin1Char('"'), "\\\""))));
+}
+
+void tst_StartUp::cleansTheEnvironment_data()
+{
+    QTest::addColumn<bool>("privateVariables");
+    QTest::addColumn<QString>("platform");
+
+    QTest::newRow("nothing set") << false << QString();
+    QTest::newRow("private variables set") << true << QString();
+    QTest::newRow("Wayland asked for") << true << "wayland";
+    QTest::newRow("no screen asked for") << false << "offscreen";
+}
+
+void tst_StartUp::cleansTheEnvironment()
+{
+    QFETCH(bool, privateVariables);
+    QFETCH(QString, platform);
+    PanelProcess panel;
+    panel.placeDaemon();
+    panel.environment().insert(QStringLiteral("WAYLAND_DISPLAY"), QStringLiteral("wayland-0"));
+    if (privateVariables)
+        setPrivateVariables(panel);
+    if (!platform.isNull())
+        panel.environment().insert(PlatformVariable, platform);
+
+    QVERIFY(panel.start());
+
+    QCOMPARE(panel.application(QStringLiteral("platform")), QVariant(QStringLiteral("xcb")));
+    QCOMPARE(sorted(panel.application(QStringLiteral("environment")).toStringList()),
+             cleanedEnvironment(panel));
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    QCOMPARE(sorted(panel.daemonRecord(QStringLiteral("environment"))), cleanedEnvironment(panel));
+}
+
+void tst_StartUp::doesWithoutADaemonThatCantBeStarted_data()
+{
+    QTest::addColumn<QString>("kind");
+
+    QTest::newRow("absent") << "absent";
+    QTest::newRow("not executable") << "not executable";
+    QTest::newRow("folder") << "folder";
+    QTest::newRow("no program") << "no program";
+}
+
+void tst_StartUp::doesWithoutADaemonThatCantBeStarted()
+{
+    QFETCH(QString, kind);
+    PanelProcess panel;
+    QFile file(panel.daemonPath());
+    if (kind == QLatin1String("not executable")) {
+        panel.placeDaemon();
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner));
+    } else if (kind == QLatin1String("folder")) {
+        QVERIFY(QDir().mkdir(panel.daemonPath()));
+    } else if (kind == QLatin1String("no program")) {
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("\x7f"
+                   "ELF but no more");
+        file.close();
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
+
+    QVERIFY(panel.start());
+
+    QVERIFY(!panel.property(Application, PidProperty).isValid());
+    QCOMPARE(panel.errorLines(), attemptLine(panel));
+    QVERIFY(!panel.messageBox());
+    QVERIFY(!panel.hasDaemonRecord());
+    QCOMPARE(panel.daemonPids(), QList<qint64>());
+    QVERIFY(panel.isExposed(QStringLiteral("labelNoService")));
+}
+
+void tst_StartUp::readsTheProbe_data()
+{
+    QTest::addColumn<QByteArray>("probeOutput");
+    QTest::addColumn<QByteArray>("awk");
+    QTest::addColumn<bool>("attempt");
+    QTest::addColumn<QVariant>("property");
+
+    const QByteArray realAwk;
+    const auto row = [&realAwk](const char *name, const QByteArray &output, bool attempt,
+                                const QVariant &property) {
+        QTest::newRow(name) << output << realAwk << attempt << property;
+    };
+    row("one", "1234 Corvane\n", false, 1234LL);
+    row("zero counts as running", "0 Corvane\n", false, 0LL);
+    row("64 bits", "4294967297 Corvane\n", false, 4294967297LL);
+    row("negative is published, and a daemon started", "-5 Corvane\n", true, -5LL);
+    row("no number", "x Corvane\n", true, {});
+    row("two", "12 Corvane\n34 Corvane\n", true, {});
+    row("other words", "12 CorvaneX\n34 corvane\n", true, {});
+    row("one among other words", "12 CorvaneX\n34 Corvane\n", false, 34LL);
+    row("nothing", "", true, {});
+    QTest::newRow("failed pipeline") << QByteArray("1234 Corvane\n")
+                                     << QByteArray("echo 1234; exit 3") << true << QVariant();
+    QTest::newRow("white space around the number")
+            << QByteArray("1234 Corvane\n") << QByteArray("printf ' 1234 \\n\\n'") << false
+            << QVariant(1234LL);
+}
+
+void tst_StartUp::readsTheProbe()
+{
+    QFETCH(QByteArray, probeOutput);
+    QFETCH(QByteArray, awk);
+    QFETCH(bool, attempt);
+    QFETCH(QVariant, property);
+    ShimFolder shims;
+    shims.addPrinting(QStringLiteral("pgrep"), probeOutput);
+    if (!awk.isEmpty())
+        shims.add(QStringLiteral("awk"), awk);
+    // No executable beside it: what the property holds is the probe's doing.
+    PanelProcess panel;
+
+    QVERIFY(panel.start());
+
+    QCOMPARE(panel.errorLines(), attempt ? attemptLine(panel) : QStringList());
+    QCOMPARE(panel.property(Application, PidProperty), property);
+}
+
+void tst_StartUp::runsTheProbeAsWritten()
+{
+    ShimFolder shims;
+    shims.addPrinting(QStringLiteral("pgrep"), "-5 Corvane\n");
+    shims.add(QStringLiteral("grep"), "exec /bin/grep \"$@\"");
+    shims.add(QStringLiteral("awk"), "exec /usr/bin/awk \"$@\"");
+    PanelProcess panel;
+    panel.placeDaemon();
+
+    QVERIFY(panel.start());
+
+    QCOMPARE(shims.calls(QStringLiteral("pgrep")).value(0),
+             QStringList({QStringLiteral("-lf"), QStringLiteral("Corvane")}));
+    QCOMPARE(shims.calls(QStringLiteral("grep")).value(0),
+             QStringList({QStringLiteral("-w"), QStringLiteral("Corvane")}));
+    QCOMPARE(shims.calls(QStringLiteral("awk")).value(0),
+             QStringList(QStringLiteral("{print $1}")));
+    // The negative number gave way to the new daemon's.
+    QCOMPARE(panel.daemonPids().size(), 1);
+    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().first()));
+}
+
+void tst_StartUp::dressesTheApplicationAndTheWindow()
+{
+    constexpr int PointSize = 9;
+    PanelProcess panel;
+
+    QVERIFY(panel.start());
+
+    QCOMPARE(panel.property(Window, "windowTitle"), QVariant(QStringLiteral("朔川统一服务")));
+    QCOMPARE(panel.property(Window, "size"), QVariant(QSize(800, 600)));
+    QCOMPARE(panel.property(Window, "maximized"), QVariant(false));
+
+    const auto font = panel.application(QStringLiteral("font")).value<QFont>();
+    QCOMPARE(font.pointSize(), PointSize);
+    QFont expected;
+    expected.setPointSize(PointSize);
+    QCOMPARE(font.toString(), expected.toString());
+
+    const QImage icon = panel.picture(QStringLiteral(":/client/resources/application.svg"));
+    QVERIFY(!icon.isNull());
+    QVERIFY(icon != panel.picture(QStringLiteral(":/client/resources/close.svg")));
+    QCOMPARE(panel.property(Application, "windowIcon").value<QImage>(), icon);
+    QCOMPARE(panel.property(Window, "windowIcon").value<QImage>(), icon);
+}
+
+void tst_StartUp::handsTheArgumentsToTheApplication()
+{
+    PanelProcess panel;
+
+    QVERIFY(panel.start({QStringLiteral("-reverse"), QStringLiteral("--help"),
+                         QStringLiteral("--no-such-option"), QStringLiteral("file")}));
+
+    QCOMPARE(panel.property(Application, "layoutDirection").toInt(),
+             static_cast<int>(Qt::RightToLeft));
+}
+
+void tst_StartUp::opensWebAddressesWithTheOpener()
+{
+    ShimFolder shims;
+    const QString seen = shims.path() + QStringLiteral("/seen");
+    shims.add(QStringLiteral("xdg-open"), "/usr/bin/env -0 >> '" + QFile::encodeName(seen) + '\'');
+    PanelProcess panel;
+    setPrivateVariables(panel);
+    QVERIFY(panel.start());
+
+    // Text that Qt's own opener would hand on in another form.
+    QList<QStringList> expected;
+    for (const char *scheme : {"https", "http"}) {
+        const QString address = scheme + QStringLiteral("://hall.example/统一服务");
+        expected.append({address});
+        QVERIFY(panel.openUrl(QUrl(address)));
+        QTRY_COMPARE(shims.calls(QStringLiteral("xdg-open")), expected);
+    }
+
+    QFile file(seen);
+    QTRY_VERIFY(file.exists() && file.size() > 0);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> variables = file.readAll().split('\0');
+    QVERIFY(variables.contains("QT_QPA_PLATFORM=xcb"));
+    for (const QString &name : PrivateVariables) {
+        for (const QByteArray &variable : variables)
+            QVERIFY2(!variable.startsWith(name.toLatin1() + '='), variable.constData());
+    }
+}
+
+void tst_StartUp::centresTheWindow()
+{
+    // Whatever the screen is: the test is registered with two sizes.
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    PanelProcess panel;
+
+    QVERIFY(panel.start());
+
+    QTRY_COMPARE(panel.property(Window, "pos"),
+                 QVariant(QPoint((screen.width() - 800) / 2, (screen.height() - 600) / 2)));
+}
+
+void tst_StartUp::endsWithStatusZeroAndLeavesTheDaemon()
+{
+    PanelProcess panel;
+    panel.placeDaemon();
+    QVERIFY(panel.start());
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    const QList<qint64> pids = panel.daemonPids();
+    QCOMPARE(pids.size(), 1);
+
+    QTRY_VERIFY(panel.property(Window, "isActiveWindow").toBool());
+    PanelProcess::pressKeys("alt+F4");
+
+    QCOMPARE(panel.waitForExit(), std::optional<int>(0));
+    QCOMPARE(panel.daemonPids(), pids);
+    QCOMPARE(panel.errorLines(), attemptLine(panel));
+}
+
+QTEST_MAIN(tst_StartUp)
+#include "tst_StartUp.moc"

@@ -5,8 +5,8 @@
 #
 # The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
 # a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
-# further Xinerama screen to the right) with a window manager (openbox by default) that is ready
-# before it starts; and with --pid-namespace a process namespace in which it sees only its own
+# further Xinerama screen with the same origin) with a window manager (openbox by default) that is
+# ready before it starts; and with --pid-namespace a process namespace in which it sees only its own
 # children. The exit status is the command's; 70 where the surroundings can't be had.
 set -euo pipefail
 
@@ -84,7 +84,8 @@ if [ "$display" = yes ]; then
     for i in "${!screens[@]}"; do
         arguments+=(-screen "$i" "${screens[$i]}")
     done
-    [ ${#screens[@]} -eq 1 ] || arguments+=(+xinerama)
+    # With RandR, clients would see the first screen only.
+    [ ${#screens[@]} -eq 1 ] || arguments+=(+xinerama -extension RANDR)
     # The kernel ends the server with this script, also where the script is killed outright.
     setpriv --pdeathsig TERM Xvfb -displayfd 3 "${arguments[@]}" \
         3>"$root/display" >"$root/log/Xvfb" 2>&1 &

@@ -12,6 +12,7 @@ bool isWithin(int value, int first, int last)
 }
 } // namespace
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): reset() does it
 FancyCursor::FancyCursor()
     : m_nBorderWidth(DefaultBorderWidth)
 {

@@ -8,8 +8,8 @@ constexpr QPoint NormalOffset(100, 100);
 
 QRect normalRectIn(const QRect &desktop)
 {
-    return QRect(desktop.topLeft() + NormalOffset,
-                 QSize(desktop.width() * 2 / 3, desktop.height() * 2 / 3));
+    return {desktop.topLeft() + NormalOffset,
+            QSize(desktop.width() * 2 / 3, desktop.height() * 2 / 3)};
 }
 } // namespace
 
@@ -35,7 +35,7 @@ int FancyScreen::currentScreen(int x) const
 QRect FancyScreen::screenRect(int index) const
 {
     if (m_screenRects.isEmpty())
-        return QRect();
+        return {};
     const bool exists = index >= 0 && index < m_screenRects.size();
     return m_screenRects.at(exists ? index : 0);
 }

@@ -215,9 +215,14 @@ void FancyTitleBarPrivate::windowStateChange(QObject *)
     const bool maximized = m_mainWidget->isMaximized();
     const bool maximizable = m_windowFlags.testFlag(Qt::WindowMaximizeButtonHint);
 
-    m_maximizeButton->setToolTip(maximized ? tr("还原") : tr("最大化"));
-    m_maximizeButton->setProperty(MaximizeProperty, maximized ? QStringLiteral("restore")
-                                                              : QStringLiteral("maximize"));
+    // The two branches deliberately differ in the order of tooltip and property.
+    if (maximized) {
+        m_maximizeButton->setToolTip(tr("还原"));
+        m_maximizeButton->setProperty(MaximizeProperty, QStringLiteral("restore"));
+    } else {
+        m_maximizeButton->setProperty(MaximizeProperty, QStringLiteral("maximize"));
+        m_maximizeButton->setToolTip(tr("最大化"));
+    }
     m_maximizeButton->setIcon(maximized ? m_normalIcon[variant] : m_maximizeIcon[variant]);
     m_maximizeAction->setEnabled(maximizable && !maximized);
     m_restoreAction->setEnabled(maximizable && maximized);

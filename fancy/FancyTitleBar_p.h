@@ -30,7 +30,7 @@ public:
 
     void maximize();
     void restore();
-    void minmize();
+    void minmize(); // spelt so deliberately: the name is part of the interface
 
     void windowStateChange(QObject *watched);
     void restoreWidget(QWidget *widget);
@@ -71,7 +71,7 @@ public:
     bool m_bDarkIcon = false;
     Qt::WindowFlags m_windowFlags;
 
-    // Hooks for moving and resizing by hand; of these, nothing reads the ones without "Widget".
+    // Hooks for moving and resizing by hand. So far only m_bWidgetResizable is read.
     int m_currentScreen = 0;
     bool m_bLeftButtonPressed = false;
     bool m_bLeftButtonDbClicked = false;

@@ -207,6 +207,7 @@ void tst_FancyButtonEvents::releasesAtAPoint()
     const QSignalSpy clicked(button, &FancyButton::clicked);
     button->setCheckable(true);
     QTest::mousePress(button, Qt::LeftButton, Qt::NoModifier, Inside);
+    QTRY_COMPARE(centre(), PressRgb);
 
     QMouseEvent release(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton,
                         Qt::NoModifier);

@@ -9,7 +9,7 @@ const QList<QRect> Row {QRect(0, 0, 1280, 1024), QRect(1280, 0, 800, 600),
                         QRect(2080, 0, 640, 480)};
 }
 
-// Runs on two screens with the same origin: a first one of 800 by 600 pixels, and a larger one.
+// Runs on two screens, of 800 by 600 pixels and to its right of 1280 by 1024.
 class tst_FancyScreen : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ void tst_FancyScreen::takesDownTheVirtualDesktopOfEachScreen()
 
     QCOMPARE(QGuiApplication::screens().size(), 2);
     QCOMPARE(QGuiApplication::screens().at(0)->geometry(), QRect(0, 0, 800, 600));
-    const QRect desktop(0, 0, 1280, 1024);
+    const QRect desktop(0, 0, 2080, 1024);
     QCOMPARE(ScreenRects::of(screen), QList<QRect>({desktop, desktop}));
 }
 
@@ -95,8 +95,8 @@ void tst_FancyScreen::givesRectanglesByIndex()
 void tst_FancyScreen::normalRectIsTwoThirdsOfTheVirtualDesktop()
 {
     QCOMPARE(QGuiApplication::primaryScreen()->geometry(), QRect(0, 0, 800, 600));
-    // 1280 * 2 / 3 and 1024 * 2 / 3, rounded down.
-    QCOMPARE(FancyScreen::normalRect(), QRect(100, 100, 853, 682));
+    // 2080 * 2 / 3 and 1024 * 2 / 3, rounded down.
+    QCOMPARE(FancyScreen::normalRect(), QRect(100, 100, 1386, 682));
 }
 
 QTEST_MAIN(tst_FancyScreen)

@@ -50,6 +50,7 @@ private slots:
     void passesOtherEventsOn();
     void facesFollowTheState_data();
     void facesFollowTheState();
+    void facesChangeInOrder();
     void stateChangeNeedsItsParts();
     void buttonsCommandTheWindow();
     void menuCommandsTheWindow();
@@ -212,6 +213,30 @@ void tst_FancyTitleBarWindow::facesFollowTheState()
     QCOMPARE(d.m_restoreAction->isEnabled(), canRestore);
     QVERIFY(d.m_maximizeButton->isHidden());
     QCOMPARE(d.m_closeButton->toolTip(), QStringLiteral("关闭"));
+}
+
+void tst_FancyTitleBarWindow::facesChangeInOrder()
+{
+    struct Recorder : QObject
+    {
+        QVector<QEvent::Type> changes;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::ToolTipChange
+                || event->type() == QEvent::DynamicPropertyChange)
+                changes << event->type();
+            return false;
+        }
+    } recorder;
+    create(WithBoth);
+    data().m_maximizeButton->installEventFilter(&recorder);
+
+    window->setWindowState(Qt::WindowMaximized);
+    window->setWindowState(Qt::WindowNoState);
+
+    QCOMPARE(recorder.changes,
+             QVector<QEvent::Type>({QEvent::ToolTipChange, QEvent::DynamicPropertyChange,
+                                    QEvent::DynamicPropertyChange, QEvent::ToolTipChange}));
 }
 
 void tst_FancyTitleBarWindow::stateChangeNeedsItsParts()

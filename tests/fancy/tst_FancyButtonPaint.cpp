@@ -3,7 +3,9 @@
 #include <QAction>
 #include <QMenu>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOptionToolButton>
 #include <QTest>
 
 /*
@@ -43,6 +45,22 @@ protected:
     }
 };
 
+// Notes how a style is asked to draw the label of a tool button.
+class RecordingStyle : public QProxyStyle
+{
+public:
+    using QProxyStyle::QProxyStyle;
+    mutable QVector<Qt::ToolButtonStyle> labels;
+
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override
+    {
+        if (const auto *label = qstyleoption_cast<const QStyleOptionToolButton *>(option))
+            labels << label->toolButtonStyle;
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+};
+
 class tst_FancyButtonPaint : public QObject
 {
     Q_OBJECT
@@ -64,6 +82,7 @@ private slots:
     void emptyIconSizePaintsNoIcon();
     void textLooksAsTheBasePaintsIt_data();
     void textLooksAsTheBasePaintsIt();
+    void stylesAreAskedForTheText();
     void showsNoMenuArrow_data();
     void showsNoMenuArrow();
     void paintingLeavesTheIconAlone();
@@ -307,6 +326,7 @@ void tst_FancyButtonPaint::emptyIconSizePaintsNoIcon()
 {
     QFETCH(QSize, iconSize);
     button->setIcon(checkered(QSize(16, 16)));
+    QVERIFY(imageOf(*button) != backdrop());
     button->setIconSize(iconSize);
 
     QCOMPARE(imageOf(*button), backdrop());
@@ -377,6 +397,22 @@ void tst_FancyButtonPaint::textLooksAsTheBasePaintsIt()
     QCOMPARE(imageOf(*button), expected);
     if (!text.isEmpty())
         QVERIFY(expected != backdrop());
+}
+
+// Styles may well hide the text of an icon-only button, without an icon or with one.
+void tst_FancyButtonPaint::stylesAreAskedForTheText()
+{
+    auto *style = new RecordingStyle(QStringLiteral("fusion"));
+    QApplication::setStyle(style);
+    button->setIcon(checkered(QSize(16, 16)));
+
+    imageOf(*button);
+    QCOMPARE(style->labels, QVector<Qt::ToolButtonStyle>({Qt::ToolButtonIconOnly}));
+
+    button->setText(QStringLiteral("Text"));
+    imageOf(*button);
+    QCOMPARE(style->labels,
+             QVector<Qt::ToolButtonStyle>({Qt::ToolButtonIconOnly, Qt::ToolButtonTextOnly}));
 }
 
 void tst_FancyButtonPaint::showsNoMenuArrow_data()

@@ -1,6 +1,5 @@
 #include <QWKWidgets/widgetwindowagent.h>
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
@@ -83,8 +82,7 @@ bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
     if (event.button() != Qt::LeftButton)
         return false;
 
-    // An open popup needs the press, to close; it comes again when it has.
-    m_isDragging = !QApplication::activePopupWidget() && emit inTitleBarDraggableArea(event.pos());
+    m_isDragging = emit inTitleBarDraggableArea(event.pos());
     if (!m_isDragging)
         return false;
 
@@ -104,8 +102,10 @@ bool WidgetWindowAgent::handleMove(const QMouseEvent &event)
         return false;
     }
 
-    moveWindow((event.screenPos() - m_grip).toPoint());
+    m_requested = (event.screenPos() - m_grip).toPoint();
     m_requestTime = event.timestamp();
+    m_isSettling = true;
+    m_window->setPosition(m_requested);
     return true;
 }
 
@@ -116,17 +116,6 @@ bool WidgetWindowAgent::handleRelease(const QMouseEvent &event)
 
     m_isDragging = false;
     return true;
-}
-
-void WidgetWindowAgent::moveWindow(const QPoint &position)
-{
-    // A QWindow ignores the place that it believes it has, and it believes the last report, which
-    // may be older than the last request. Asking once more for the latter makes it believe that.
-    if (m_isSettling)
-        m_window->setPosition(m_requested);
-    m_window->setPosition(position);
-    m_requested = position;
-    m_isSettling = true;
 }
 
 } // namespace QWK

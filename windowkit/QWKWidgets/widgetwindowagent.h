@@ -48,7 +48,6 @@ private:
     bool handlePress(const QMouseEvent &event);
     bool handleMove(const QMouseEvent &event);
     bool handleRelease(const QMouseEvent &event);
-    void moveWindow(const QPoint &position);
 
     QPointer<QWidget> m_widget;
     QPointer<QWindow> m_window;

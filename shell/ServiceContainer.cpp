@@ -63,7 +63,7 @@ ServiceContainer::~ServiceContainer()
 
 bool ServiceContainer::inTitleBarDraggableArea(const QPoint &pos) const
 {
-    return tab->inDragArea(pos);
+    return tab && tab->inDragArea(pos);
 }
 
 void ServiceContainer::onTabIndexChanged(int index)

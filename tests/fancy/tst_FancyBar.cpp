@@ -282,6 +282,7 @@ void tst_FancyBar::buildsTheMenuRowOnRequest()
 
     QVERIFY(!d.m_menuWidget->parent());
     QVERIFY(d.m_menuWidget->isHidden());
+    QVERIFY(d.m_menuWidget->testAttribute(Qt::WA_WState_ExplicitShowHide));
     QCOMPARE(d.m_menuWidget->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
     QCOMPARE(d.m_menuWidget->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
     const auto *row = qobject_cast<QHBoxLayout *>(d.m_menuWidget->layout());

@@ -11,7 +11,7 @@
 #include <QTranslator>
 
 using ButtonField = FancyButton *FancyTitleBarPrivate::*;
-using IconField = QIcon (FancyTitleBarPrivate::*)[2];
+using IconField = QIcon (FancyTitleBarPrivate::*)[2]; // NOLINT(modernize-avoid-c-arrays)
 using IconSetter = void (FancyTitleBar::*)(QIcon &);
 using FlagSetter = void (FancyTitleBar::*)(bool);
 using FlagField = bool FancyTitleBarPrivate::*;
@@ -38,7 +38,7 @@ QIcon filled(Qt::GlobalColor color)
 {
     QPixmap pixmap(16, 16);
     pixmap.fill(color);
-    return QIcon(pixmap);
+    return {pixmap};
 }
 } // namespace
 

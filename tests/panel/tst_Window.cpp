@@ -2,6 +2,8 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QTest>
 #include <QWidget>
@@ -57,7 +59,10 @@ private slots:
     void repairsWhileCovered();
 
 private:
+    //! Where the panel has its window.
     QPoint position();
+    //! Where the X server has it.
+    QPoint placeOnTheServer();
     //! Drags by \a way from \a grip in window coordinates; returns by how much the window moved.
     QPoint drag(const QPoint &grip, const QPoint &way);
     //! Whether the close button is painted in the red of a hovered one.
@@ -85,6 +90,20 @@ void tst_Window::cleanup()
 QPoint tst_Window::position()
 {
     return m_panel->globalRect(Window).topLeft();
+}
+
+QPoint tst_Window::placeOnTheServer()
+{
+    QProcess process;
+    process.start(QStringLiteral("xwininfo"),
+                  {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))});
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        return {};
+    const QString text = QString::fromLocal8Bit(process.readAllStandardOutput());
+    const QRegularExpression corner(QStringLiteral("Absolute upper-left X: +(-?\\d+)\\s+"
+                                                   "Absolute upper-left Y: +(-?\\d+)"));
+    const QRegularExpressionMatch match = corner.match(text);
+    return {match.captured(1).toInt(), match.captured(2).toInt()};
 }
 
 QPoint tst_Window::drag(const QPoint &grip, const QPoint &way)
@@ -162,18 +181,19 @@ void tst_Window::otherButtonsDontDrag()
 
 void tst_Window::followsThePointerInFastDrags()
 {
-    const QPoint start = position();
-    PanelProcess::moveMouse(start + Grip);
+    QPoint from = position() + Grip;
     for (int i = 0; i < FastDrags; ++i) {
         // There and back and to another end, with no pause and not a single look in between.
-        const QPoint from = position() + Grip;
         const QPoint end(500 + (i * 137) % 700, 100 + (i * 71) % 400);
         QStringList words = moveTo(from) + QStringList {"mousedown", "1"};
         words += moveTo(from + QPoint(-30, 20)) + moveTo(from + QPoint(200, 150)) + moveTo(from);
         words += moveTo(end) + QStringList {"mouseup", "1"};
         runInOneGo(words);
+        // A press hits the window where the X server has it, which may lag behind the panel.
+        QTRY_COMPARE(placeOnTheServer() + Grip, end);
         QTRY_COMPARE(position() + Grip, end);
         QCOMPARE(QCursor::pos(), end);
+        from = end;
     }
 }
 

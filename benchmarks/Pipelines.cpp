@@ -53,12 +53,21 @@ void run(Pipelines pipelines, Runner runner)
 {
     if (pipelines == Pipelines::StartUp)
         runner(Probe);
-    const std::string pid = std::to_string(atoll(runner(Probe).c_str()));
-    if (runner(DetailHead + pid + DetailTail).empty())
+    if (runner(detailCommand(atoll(runner(Probe).c_str()))).empty())
         fail("no daemon answers, or more than one");
 }
 
 } // namespace
+
+std::string probeCommand()
+{
+    return Probe;
+}
+
+std::string detailCommand(long long pid)
+{
+    return DetailHead + std::to_string(pid) + DetailTail;
+}
 
 std::string spawnShell(const std::string &commandLine)
 {

@@ -18,6 +18,10 @@ enum class Pipelines : char {
     StartUp = 's', //!< the probe, then one refresh
 };
 
+//! The command line that finds the daemon, and the one that tells of process \a pid.
+std::string probeCommand();
+std::string detailCommand(long long pid);
+
 //! A way to run a command line in the shell: returns its standard output.
 using Runner = std::string (*)(const std::string &commandLine);
 

@@ -68,12 +68,6 @@ Activity activity(pid_t pid)
     return result;
 }
 
-bool Holdings::operator==(const Holdings &other) const
-{
-    return fileDescriptors == other.fileDescriptors && threads == other.threads
-           && children == other.children;
-}
-
 Holdings holdings(pid_t pid)
 {
     Holdings result;

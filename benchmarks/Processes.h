@@ -34,8 +34,6 @@ struct Holdings
     int fileDescriptors = 0;
     int threads = 0;
     int children = 0;
-
-    bool operator==(const Holdings &other) const;
 };
 
 Holdings holdings(pid_t pid);

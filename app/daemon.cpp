@@ -9,11 +9,11 @@ namespace Daemon {
 
 namespace {
 
-constexpr QLatin1String DaemonName("Corvane");
-constexpr QLatin1String QuickStartArgument("quickboot");
-constexpr QLatin1String ProbeTemplate("pgrep -lf %1 | grep -w %2 | awk '{print $1}'");
-constexpr QLatin1String
-        DetailTemplate("ps -o comm,pid,user,etime,%cpu,%mem -p %1 | grep -w Corvane");
+constexpr const char *DaemonName = "Corvane";
+constexpr const char *QuickStartArgument = "quickboot";
+constexpr const char *ProbeTemplate = "pgrep -lf %1 | grep -w %2 | awk '{print $1}'";
+constexpr const char *DetailTemplate =
+        "ps -o comm,pid,user,etime,%cpu,%mem -p %1 | grep -w Corvane";
 
 constexpr int OutputIndex = 0;
 constexpr int ExitCodeIndex = 1;
@@ -33,12 +33,14 @@ QStringList shellArguments(const QString &commandLine)
 
 QString probeCommand()
 {
-    return QString(ProbeTemplate).arg(DaemonName).arg(DaemonName);
+    return QString::fromLatin1(ProbeTemplate)
+            .arg(QLatin1String(DaemonName))
+            .arg(QLatin1String(DaemonName));
 }
 
 QString detailCommand(qint64 pid)
 {
-    return QString(DetailTemplate).arg(pid);
+    return QString::fromLatin1(DetailTemplate).arg(pid);
 }
 
 QString outputText(const QList<QVariant> &result)
@@ -68,7 +70,7 @@ std::optional<qint64> singlePid(const QList<QVariant> &result)
 
 QString executablePath()
 {
-    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + DaemonName;
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(DaemonName);
 }
 
 std::optional<qint64> launch(LaunchRule rule)
@@ -80,7 +82,7 @@ std::optional<qint64> launch(LaunchRule rule)
         return std::nullopt;
 
     qint64 pid = UnknownPid;
-    const bool started = QProcess::startDetached(path, {QuickStartArgument},
+    const bool started = QProcess::startDetached(path, {QLatin1String(QuickStartArgument)},
                                                  QCoreApplication::applicationDirPath(), &pid);
     return started ? std::optional<qint64>(pid) : std::nullopt;
 }

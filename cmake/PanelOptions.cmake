@@ -62,9 +62,11 @@ if(PANEL_COVERAGE)
 endif()
 
 # Link-time optimisation is for the delivered program only: the tests link the same rooms a few
-# dozen times over.
+# dozen times over, and another tree that takes the rooms in may not use it at all. Only GCC can give
+# objects that serve both.
 function(panel_enable_lto target)
-    if(NOT PANEL_LTO OR PANEL_SANITIZE OR PANEL_COVERAGE)
+    if(NOT PANEL_LTO OR PANEL_SANITIZE OR PANEL_COVERAGE OR NOT PANEL_IS_TOP_LEVEL
+            OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         return()
     endif()
     include(CheckIPOSupported)

@@ -42,6 +42,12 @@ public:
     Q_DISABLE_COPY_MOVE(WaitCursor)
 };
 
+//! Runs \a commandLine in the shell, as the page runs everything.
+QList<QVariant> run(OverviewForm &page, const QString &commandLine)
+{
+    return page.execute(Daemon::shell(), Daemon::shellArguments(commandLine));
+}
+
 void openWebPage(const QString &address)
 {
     QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
@@ -216,8 +222,7 @@ void OverviewForm::on_xfkqfw_clicked()
 
     // Unlike start-up, any answer counts, however many daemons it tells of. The row and lastPid are
     // left to the next tick of the timer.
-    if (Daemon::isAnswer(
-                execute(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand())))) {
+    if (Daemon::isAnswer(run(*this, Daemon::probeCommand()))) {
         QMessageBox::information(this, title, tr("朔川服务修复成功！"), QMessageBox::Ok,
                                  QMessageBox::NoButton);
     } else {
@@ -228,11 +233,14 @@ void OverviewForm::on_xfkqfw_clicked()
 
 void OverviewForm::keyPressEvent(QKeyEvent *event)
 {
-    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isEnter = (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+                         && (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     // Qt's buttons answer Enter in dialogs only; elsewhere it comes up to their page.
     auto *button = qobject_cast<QPushButton *>(focusWidget());
     if (isEnter && button && button->hasFocus()) {
-        button->click();
+        // A key that is held down is one press, as with Space.
+        if (!event->isAutoRepeat())
+            button->click();
         return;
     }
     QWidget::keyPressEvent(event);

@@ -11,10 +11,11 @@ project=$(cd "$(dirname "$0")/.." && pwd)
 build=$project/build/release
 picture=$build/panel.png
 
-need_packages "${build_packages[@]}" "${run_packages[@]}"
-[ -n "${DISPLAY:-}" ] || need_packages "${display_packages[@]}"
+packages=("${build_packages[@]}" "${run_packages[@]}")
+[ -n "${DISPLAY:-}" ] || packages+=("${display_packages[@]}")
+need_packages "${packages[@]}"
 
-configure release -DCMAKE_BUILD_TYPE=Release
+configure release -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF
 cmake --build "$build" --target corvane-panel Corvane
 
 if [ -z "${DISPLAY:-}" ]; then
@@ -27,12 +28,19 @@ fi
 
 # The panel leaves its daemon running, on purpose. This one is only a stand-in, so it goes when the
 # panel has gone.
-record=$(mktemp -d)/Corvane
+folder=$(mktemp -d)
+record=$folder/Corvane
+end_stand_in() {
+    if [ -f "$record" ]; then
+        # Gone already is as good.
+        kill "$(sed -n 's/^pid=//p' "$record")" 2>/dev/null || :
+    fi
+    rm -rf "$folder"
+}
+trap end_stand_in EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
 status=0
 CORVANE_RECORD=$record "$build/bin/corvane-panel" || status=$?
-if [ -f "$record" ]; then
-    # Gone already is as good.
-    kill "$(sed -n 's/^pid=//p' "$record")" 2>/dev/null || :
-fi
-rm -rf "$(dirname "$record")"
 exit "$status"

@@ -65,8 +65,8 @@ void write(QSettings *settings, const Setting &setting, const QVariant &value)
 }
 
 /*!
-    Takes the lock of \a file away that a panel has left which was killed between making the lock
-   and signing it: with such a lock QSettings would block the first change for half a minute.
+    Takes away a lock of \a file that nobody owns: a panel was killed between making the lock and
+    signing it. With such a lock QSettings would block the first change for half a minute.
 */
 void removeAbandonedLock(const QString &file)
 {

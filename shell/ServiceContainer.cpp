@@ -13,7 +13,7 @@ namespace {
 
 constexpr QSize WindowSize(800, 600);
 constexpr int TitleBarHeight = 32;
-constexpr int TitleBarGrey[] = {216, 217, 218};
+constexpr QRgb TitleBarGrey = qRgb(216, 217, 218);
 
 } // namespace
 
@@ -37,7 +37,7 @@ ServiceContainer::ServiceContainer(QWidget *parent)
     bar->addAdditionalControl(tab, FancyBar::TitlePosition, 0);
     ui->verticalLayout->insertWidget(0, bar);
     bar->setTextColor(QColor(0, 0, 0));
-    bar->setBackgroundColor(QColor(TitleBarGrey[0], TitleBarGrey[1], TitleBarGrey[2]));
+    bar->setBackgroundColor(QColor(TitleBarGrey));
 
     auto *agent = new QWK::WidgetWindowAgent(this);
     agent->setup(this);

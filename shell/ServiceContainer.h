@@ -7,11 +7,12 @@ class TabTitle;
 class Ui_ServiceContainer;
 
 /*!
-    The panel's one window: frameless, fixed at 800 × 600 pixels, with the title strip on top and
-   the stack of the two pages below it, the run-status page first.
+    The panel's one window: frameless, fixed at 800 × 600 pixels, with the title strip on top
+    and the stack of the two pages below it, the run-status page first.
 
     The window can be dragged by its strip, except where inTitleBarDraggableArea() says otherwise,
-    and is closed by the strip's close button. The tabs that choose the page are hidden.
+    and is closed by the strip's close button. The tabs that choose the page are hidden. Should the
+    strip come without a title bar, there is nothing in the window but an empty stack.
 */
 class ServiceContainer : public QWidget
 {
@@ -25,7 +26,8 @@ public:
     explicit ServiceContainer(QWidget *parent = nullptr);
     ~ServiceContainer() override;
 
-    //! Whether a press at \a pos, in window coordinates, may drag the window.
+    //! Whether a press at \a pos, in window coordinates, may drag the window. False where there is
+    //! no tab header.
     bool inTitleBarDraggableArea(const QPoint &pos) const;
 
 public slots:

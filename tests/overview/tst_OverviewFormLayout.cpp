@@ -4,6 +4,10 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <algorithm>
+#include <array>
+#include <functional>
+
 namespace {
 
 const char *const TitleSheet = "font-size:14px;\nfont-weight:bold;";
@@ -62,6 +66,7 @@ private slots:
 
     void form();
     void objectName();
+    void members();
     void layouts();
     void parents();
     void labels_data();
@@ -109,6 +114,52 @@ void tst_OverviewFormLayout::objectName()
     Ui_OverviewForm ui = {};
     ui.setupUi(&named);
     QCOMPARE(named.objectName(), QStringLiteral("mine"));
+}
+
+void tst_OverviewFormLayout::members()
+{
+    // The places of the members in the object tell the order of their declaration.
+    const std::array<const void *, 38> places = {&m_ui.verticalLayout_6,
+                                                 &m_ui.horizontalLayout,
+                                                 &m_ui.labelOW,
+                                                 &m_ui.labelOWError,
+                                                 &m_ui.horizontalSpacer,
+                                                 &m_ui.verticalLayout,
+                                                 &m_ui.treeWidgetOW,
+                                                 &m_ui.labelNoService,
+                                                 &m_ui.line,
+                                                 &m_ui.frameService,
+                                                 &m_ui.verticalLayout_3,
+                                                 &m_ui.horizontalLayout_2,
+                                                 &m_ui.labelTag,
+                                                 &m_ui.labelTagError,
+                                                 &m_ui.horizontalSpacer_2,
+                                                 &m_ui.verticalLayout_2,
+                                                 &m_ui.treeWidgetTag,
+                                                 &m_ui.labelNoTag,
+                                                 &m_ui.lineService,
+                                                 &m_ui.frameWebsite,
+                                                 &m_ui.verticalLayout_4,
+                                                 &m_ui.horizontalLayout_3,
+                                                 &m_ui.label,
+                                                 &m_ui.horizontalSpacer_3,
+                                                 &m_ui.horizontalLayout_4,
+                                                 &m_ui.kqfwdt,
+                                                 &m_ui.kqzsk,
+                                                 &m_ui.horizontalSpacer_4,
+                                                 &m_ui.line_3,
+                                                 &m_ui.frameRepair,
+                                                 &m_ui.verticalLayout_5,
+                                                 &m_ui.horizontalLayout_5,
+                                                 &m_ui.label_2,
+                                                 &m_ui.horizontalSpacer_5,
+                                                 &m_ui.horizontalLayout_6,
+                                                 &m_ui.xfkqfw,
+                                                 &m_ui.horizontalSpacer_6,
+                                                 &m_ui.verticalSpacer};
+    QVERIFY(std::is_sorted(places.cbegin(), places.cend(), std::less<>()));
+    // And there are no others.
+    QCOMPARE(sizeof(Ui_OverviewForm), places.size() * sizeof(void *));
 }
 
 void tst_OverviewFormLayout::layouts()
@@ -368,6 +419,18 @@ void tst_OverviewFormLayout::sizesWhenResized()
     QCOMPARE(m_ui.labelNoTag->height(), 40);
     for (const QPushButton *button : {m_ui.kqfwdt, m_ui.kqzsk, m_ui.xfkqfw})
         QCOMPARE(button->size(), QSize(160, 80));
+
+    // What is left over in height goes to the node table and to the bottom alone.
+    for (const QWidget *widget :
+         {static_cast<QWidget *>(m_ui.labelOW), static_cast<QWidget *>(m_ui.frameWebsite),
+          static_cast<QWidget *>(m_ui.frameRepair)}) {
+        if (size.height() >= 916)
+            QCOMPARE(widget->height(), widget->sizeHint().height());
+    }
+    if (size.height() > 916) {
+        QVERIFY(m_ui.treeWidgetTag->height() > m_ui.treeWidgetTag->sizeHint().height());
+        QVERIFY(m_ui.verticalSpacer->geometry().height() > 40);
+    }
 
     // The buttons stand at the left, 20 pixels apart; the spacers behind them take the rest.
     QCOMPARE(m_ui.kqfwdt->x(), 0);

@@ -43,6 +43,7 @@ private slots:
 
 void tst_RepairDecision::decides_data()
 {
+    QTest::addColumn<Qt::Key>("key");
     QTest::addColumn<qint64>("lastPid");
     QTest::addColumn<QByteArray>("probeOutput");
     QTest::addColumn<int>("probeExitCode");
@@ -55,17 +56,19 @@ void tst_RepairDecision::decides_data()
     const QString failed = QStringLiteral("尝试修复失败：请重启电脑后再试或联系朔川客服人员！");
 
     // Nothing is looked at: the answer would say that no daemon runs.
-    QTest::newRow("1 runs") << 1LL << QByteArray() << 0 << false << fine
+    QTest::newRow("1 runs") << Qt::Key_Space << 1LL << QByteArray() << 0 << false << fine
                             << QMessageBox::Information;
     // Any answer counts as success, two numbers and no number among them.
-    QTest::newRow("0 is repaired, two answer")
-            << 0LL << QByteArray("12\n13\n") << 0 << true << repaired << QMessageBox::Information;
+    QTest::newRow("0 is repaired, two answer") << Qt::Key_Return << 0LL << QByteArray("12\n13\n")
+                                               << 0 << true << repaired << QMessageBox::Information;
     QTest::newRow("negative is repaired, exit code not 0")
-            << -5LL << QByteArray("12\n") << 3 << true << failed << QMessageBox::Warning;
+            << Qt::Key_Enter << -5LL << QByteArray("12\n") << 3 << true << failed
+            << QMessageBox::Warning;
 }
 
 void tst_RepairDecision::decides()
 {
+    QFETCH(Qt::Key, key);
     QFETCH(qint64, lastPid);
     QFETCH(QByteArray, probeOutput);
     QFETCH(int, probeExitCode);
@@ -84,6 +87,16 @@ void tst_RepairDecision::decides()
     shims.clearCalls();
     LastPid::of(page) = lastPid;
 
+    struct Box
+    {
+        QString title;
+        QString text;
+        QMessageBox::Icon icon;
+        QObject *parent;
+        QMessageBox::StandardButtons buttons;
+        bool hasOverrideCursor;
+    };
+    Box shown = {};
     int boxes = 0;
     QTimer closer;
     connect(&closer, &QTimer::timeout, &page, [&] {
@@ -91,12 +104,12 @@ void tst_RepairDecision::decides()
         if (!box)
             return;
         ++boxes;
-        QCOMPARE(box->windowTitle(), QStringLiteral("修复朔川服务"));
-        QCOMPARE(box->text(), text);
-        QCOMPARE(box->icon(), icon);
-        QCOMPARE(box->parentWidget(), &page);
-        QCOMPARE(box->standardButtons(), QMessageBox::Ok);
-        QCOMPARE(QApplication::overrideCursor(), nullptr);
+        shown = {box->windowTitle(),
+                 box->text(),
+                 box->icon(),
+                 box->parentWidget(),
+                 box->standardButtons(),
+                 QApplication::overrideCursor() != nullptr};
         box->accept();
     });
     closer.start(50);
@@ -105,7 +118,11 @@ void tst_RepairDecision::decides()
     const QtMessageHandler formerHandler = qInstallMessageHandler(noteCursor);
     QElapsedTimer clock;
     clock.start();
-    page.findChild<QPushButton *>(QStringLiteral("xfkqfw"))->click();
+    auto *button = page.findChild<QPushButton *>(QStringLiteral("xfkqfw"));
+    page.activateWindow();
+    button->setFocus();
+    QTRY_VERIFY(button->hasFocus());
+    QTest::keyClick(button, key);
     closer.stop();
     qInstallMessageHandler(formerHandler);
 
@@ -113,6 +130,12 @@ void tst_RepairDecision::decides()
     QCOMPARE(cursorsWhileLogging,
              isRepair ? (QVector<int> {Qt::WaitCursor, Qt::WaitCursor}) : QVector<int>());
     QCOMPARE(boxes, 1);
+    QCOMPARE(shown.title, QStringLiteral("修复朔川服务"));
+    QCOMPARE(shown.text, text);
+    QCOMPARE(shown.icon, icon);
+    QCOMPARE(shown.parent, &page);
+    QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(!shown.hasOverrideCursor);
     QCOMPARE(LastPid::of(page), lastPid);
     QCOMPARE(shims.calls(QStringLiteral("pgrep")).size(), isRepair ? 1 : 0);
     QVERIFY2(clock.elapsed() >= (isRepair ? 5000 : 2000),

@@ -174,7 +174,7 @@ void tst_Repair::repairs_data()
     QTest::newRow("exits before the check") << true << true << QByteArray("CORVANE_EXIT_AFTER_MS")
                                             << QByteArray("3000") << Failed << QMessageBox::Warning;
     QTest::newRow("starts late") << true << true << QByteArray("CORVANE_APPEAR_AFTER_MS")
-                                 << QByteArray("4000") << Repaired << QMessageBox::Information;
+                                 << QByteArray("3000") << Repaired << QMessageBox::Information;
 }
 
 void tst_Repair::repairs()

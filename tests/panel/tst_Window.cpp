@@ -18,6 +18,9 @@ constexpr QPoint Grip(400, 16);
 //! The middle of the close button.
 constexpr QPoint CloseButton(775, 16);
 
+const auto ShortcutButton = QStringLiteral("kqzsk");
+const QColor HoverColour(0xe5, 0xf3, 0xff);
+
 constexpr int FastDrags = 100;
 
 //! Real input without a wait in between: one xdotool for all of it.
@@ -65,6 +68,7 @@ private:
     QPoint placeOnTheServer();
     //! Drags by \a way from \a grip in window coordinates; returns by how much the window moved.
     QPoint drag(const QPoint &grip, const QPoint &way);
+    bool isHovered(const QString &button);
     //! Whether the close button is painted in the red of a hovered one.
     bool closeButtonIsRed();
 
@@ -110,15 +114,25 @@ QPoint tst_Window::drag(const QPoint &grip, const QPoint &way)
 {
     const QPoint before = position();
     PanelProcess::moveMouse(before + grip);
+    if (!QTest::qWaitFor([&] { return !isHovered(ShortcutButton); }))
+        return {};
     PanelProcess::pressButton();
     PanelProcess::moveMouse(before + grip + way / 2);
     PanelProcess::moveMouse(before + grip + way);
     PanelProcess::releaseButton();
-    // The panel has seen the release when a motion behind it has arrived.
-    PanelProcess::moveMouse(QPoint(5, 5));
-    const auto moved = [&] { return position() - before; };
-    [[maybe_unused]] const bool arrived = QTest::qWaitFor([&] { return moved() == way; }, 1000);
-    return moved();
+    // What comes behind the release has been served: so has the drag.
+    const auto isServed = [&] {
+        PanelProcess::moveMouse(m_panel->globalRect(ShortcutButton).center());
+        return isHovered(ShortcutButton);
+    };
+    if (!QTest::qWaitFor(isServed))
+        return {};
+    return position() - before;
+}
+
+bool tst_Window::isHovered(const QString &button)
+{
+    return m_panel->grab(button).pixelColor(5, 5) == HoverColour;
 }
 
 bool tst_Window::closeButtonIsRed()
@@ -204,6 +218,14 @@ void tst_Window::closesByItsButtonAfterADrag()
     QVERIFY(!closeButtonIsRed());
     PanelProcess::moveMouse(position() + CloseButton);
     QTRY_VERIFY(closeButtonIsRed());
+    // Pressed it is red as well, and let go elsewhere it does nothing.
+    PanelProcess::pressButton();
+    PanelProcess::moveMouse(position() + QPoint(600, 300));
+    QTRY_VERIFY(closeButtonIsRed());
+    PanelProcess::releaseButton();
+    QTRY_VERIFY(!closeButtonIsRed());
+    QVERIFY(m_panel->isRunning());
+
     PanelProcess::clickAt(position() + CloseButton);
     QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
 }

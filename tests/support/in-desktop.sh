@@ -32,6 +32,8 @@ fail() {
     exit 70
 }
 
+patience=60
+
 root=$(mktemp -d "${TMPDIR:-/tmp}/panel-test.XXXXXX")
 # A test that acts as another user has to pass through.
 chmod 711 "$root"
@@ -49,11 +51,14 @@ trap clean_up EXIT
 trap 'exit 143' TERM
 trap 'exit 130' INT
 
-# wait_until PID DESCRIPTION COMMAND...: until the command succeeds; gives up when process PID ends.
+# wait_until PID DESCRIPTION COMMAND...: until the command succeeds; gives up when process PID ends, or
+# after a minute.
 wait_until() {
     local pid=$1 what=$2
+    local deadline=$((SECONDS + patience))
     shift 2
     until "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -lt "$deadline" ] || fail "$what doesn't come up: $(cat "$root"/log/* 2>/dev/null)"
         kill -0 "$pid" 2>/dev/null || fail "$what has ended: $(cat "$root"/log/* 2>/dev/null)"
         sleep 0.02
     done
@@ -135,5 +140,7 @@ cd "$root/home"
 status=0
 "${launcher[@]}" "$@" <&0 &
 child=$!
+# The command ends before what it runs on, also where this script is told to end.
+started=("$child" "${started[@]}")
 wait "$child" || status=$?
 exit "$status"

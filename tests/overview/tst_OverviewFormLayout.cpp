@@ -1,8 +1,8 @@
+#include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
 #include "ui_OverviewForm.h"
 
 #include <QTest>
-#include <QTranslator>
 
 #include <algorithm>
 #include <array>
@@ -39,20 +39,6 @@ const char *const NodeTableSheet =
         "padding: 0px;\nfont-size: 12px;\n}";
 
 constexpr QSize NoLimit(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-
-//! Answers every text with its context and disambiguation, to see what the form asks for.
-class AskingTranslator : public QTranslator
-{
-public:
-    QString translate(const char *context, const char *sourceText, const char *disambiguation,
-                      int /*n*/) const override
-    {
-        return QStringLiteral("%1|%2|%3")
-                .arg(QString::fromUtf8(context), QString::fromUtf8(sourceText),
-                     QString::fromUtf8(disambiguation));
-    }
-    bool isEmpty() const override { return false; }
-};
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include "settings/SettingsForm.h"
 #include "shell/ServiceContainer.h"
 #include "shell/TabTitle.h"
+#include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
 #include "tests/support/PrivateMember.h"
 #include "tests/support/ShimFolder.h"
@@ -17,7 +18,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QToolButton>
-#include <QTranslator>
 #include <QWindow>
 
 #include <memory>
@@ -26,24 +26,6 @@ struct BarPrivate : PrivateMember<BarPrivate, FancyBarPrivate *, FancyBar>
 {
 };
 template struct ExposePrivateMember<BarPrivate, &FancyBar::d>;
-
-namespace {
-
-//! Answers every text with its context, to see what the window asks for.
-class AskingTranslator : public QTranslator
-{
-public:
-    QString translate(const char *context, const char *sourceText, const char *disambiguation,
-                      int /*n*/) const override
-    {
-        return QStringLiteral("%1|%2|%3")
-                .arg(QString::fromUtf8(context), QString::fromUtf8(sourceText),
-                     QString::fromUtf8(disambiguation));
-    }
-    bool isEmpty() const override { return false; }
-};
-
-} // namespace
 
 class tst_ServiceContainer : public QObject
 {

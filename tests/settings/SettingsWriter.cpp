@@ -44,6 +44,8 @@ int main(int argc, char *argv[])
     for (int change = 0; changes == 0 || change < changes; ++change) {
         if (changes > 0 && std::getchar() != '\n')
             return EXIT_FAILURE;
+        if (change > 0 && changes > 0 && !fileHolds(key, value))
+            std::fprintf(stderr, "%s=%d is overtaken\n", qPrintable(key), value);
         value = value < field->maximum() ? value + 1 : field->minimum();
         field->setValue(value);
         QCoreApplication::processEvents();

@@ -12,10 +12,13 @@
 
 namespace {
 
-constexpr int StartTimeoutMs = 30000;
-constexpr int ExitTimeoutMs = 30000;
+//! How many times as long as usual the panel may take; more than once where it runs under a
+//! checker.
+const int Patience = qMax(1, qEnvironmentVariableIntValue("PANEL_TEST_PATIENCE"));
+const int StartTimeoutMs = 30000 * Patience;
+const int ExitTimeoutMs = 30000 * Patience;
 //! Longer than the panel ever blocks its own event loop.
-constexpr int AnswerTimeoutMs = 30000;
+const int AnswerTimeoutMs = 30000 * Patience;
 
 const QString Object = QStringLiteral("object");
 const QString Name = QStringLiteral("name");

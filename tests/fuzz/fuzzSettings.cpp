@@ -124,6 +124,13 @@ bool isPlain(const QByteArray &text, const char *more)
     return true;
 }
 
+//! Whether \a value is one of two levels of \a key as the file holds them; other escapes may mean
+//! anything.
+bool isLevel(const QByteArray &key, const QByteArray &value)
+{
+    return key == LevelKey && (value == "\\x8b66\\x544a" || value == "\\x4fe1\\x606f");
+}
+
 /*!
     The keys and values of \a content where it is beyond doubt what they are: sections, keys of
    plain words, each once, values of plain words, comments of whole lines. Read without any of Qt's
@@ -151,7 +158,7 @@ std::optional<Entries> entriesOf(const QByteArray &content)
         const QByteArray key = section + '/' + line.left(equals);
         const QByteArray value = line.mid(equals + 1);
         if (!isPlain(line.left(equals), "") || !isPlain(value, " -.\\") || value != value.trimmed()
-            || (value.contains('\\') && key != LevelKey) || entries.contains(key))
+            || (value.contains('\\') && !isLevel(key, value)) || entries.contains(key))
             return std::nullopt;
         entries.insert(key, value);
     }

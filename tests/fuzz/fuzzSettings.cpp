@@ -195,8 +195,8 @@ void checkFields(const SettingsForm &page, const QSettings &settings, const QByt
         fail("cbRpcLog", content);
     const auto *levels = page.findChild<QComboBox *>(QStringLiteral("cbLogLevel"));
     const QString level = settings.value(QLatin1String(LevelKey)).toString();
-    const bool isLevel = isReadable && levels->findText(level) >= 0;
-    if (levels->currentText() != (isLevel ? level : QStringLiteral("信息")))
+    const bool isListed = isReadable && levels->findText(level) >= 0;
+    if (levels->currentText() != (isListed ? level : QStringLiteral("信息")))
         fail("cbLogLevel", content);
 }
 

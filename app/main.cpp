@@ -13,6 +13,9 @@
 
 #include <optional>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr int ApplicationFontPointSize = 9;
@@ -20,6 +23,21 @@ constexpr int ApplicationFontPointSize = 9;
 //! Variables that point at the panel's private libraries and must not reach its children.
 constexpr const char *PrivateVariables[] = {"LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH",
                                             "QT_QPA_PLATFORM_PLUGIN_PATH"};
+
+/*!
+    Puts the null device in the place of each standard stream that is closed. Else the next files to
+    be opened, such as the connection to the X server, would take their numbers, and with them what
+    is logged and what children write.
+*/
+void openStandardStreams()
+{
+    int descriptor = -1;
+    do {
+        descriptor = open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0)
+        close(descriptor);
+}
 
 /*!
     Keeps the platform plug-in from loading the OpenGL driver for a program that paints without it:
@@ -43,6 +61,8 @@ void goWithoutOpenGl()
 
 int main(int argc, char *argv[])
 {
+    openStandardStreams();
+
     // The panel is made for X11, also where the desktop offers Wayland.
     qputenv("QT_QPA_PLATFORM", "xcb");
 

@@ -1,6 +1,7 @@
 #include "settings/SettingsForm.h"
 
 #include "tests/settings/SettingsHome.h"
+#include "tests/support/rounds.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -10,7 +11,7 @@
 
 namespace {
 
-constexpr int Kills = 40;
+constexpr int ShortKills = 40;
 //! The moments of the kills are spread over so many changes.
 constexpr int ChangesSpread = 3;
 
@@ -83,13 +84,14 @@ private slots:
 
 void tst_SettingsKilled::fileIsWholeAtAnyMoment()
 {
+    const int kills = roundsOr(ShortKills);
     const SettingsHome home;
     const QByteArray head = "[rpc]\ntimeout=";
     const QByteArray tail = '\n' + ballast();
     home.write(head + "10" + tail);
 
     const QString lock = home.file() + QStringLiteral(".lock");
-    const qint64 step = timeOfAChange() * ChangesSpread / Kills;
+    const qint64 step = timeOfAChange() * ChangesSpread / kills;
     const auto freeLock = [&lock] {
         // QSettings waits half a minute for a lock that doesn't tell whose it is: a writer was
         // killed in the microseconds between making the lock and signing it.
@@ -100,7 +102,7 @@ void tst_SettingsKilled::fileIsWholeAtAnyMoment()
 
     QSet<QByteArray> seen;
     int inTheMiddle = 0;
-    for (int kill = 0; kill < Kills; ++kill) {
+    for (int kill = 0; kill < kills; ++kill) {
         Writer writer;
         QElapsedTimer timer;
         timer.start();
@@ -123,6 +125,8 @@ void tst_SettingsKilled::fileIsWholeAtAnyMoment()
             ++inTheMiddle;
         freeLock();
     }
+    qInfo("%d kills, %d of them in the middle of a change, %d values seen", kills, inTheMiddle,
+          seen.size());
     // Else no kill has hit a write, and nothing is shown by this.
     QVERIFY(inTheMiddle > 0);
     QVERIFY(seen.size() > 1);

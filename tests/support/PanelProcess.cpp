@@ -8,12 +8,17 @@
 
 #include <csignal>
 
+#include <sys/stat.h>
+
 namespace {
 
-constexpr int StartTimeoutMs = 30000;
-constexpr int ExitTimeoutMs = 30000;
+//! How many times as long as usual the panel may take; more than once where it runs under a
+//! checker.
+const int Patience = qMax(1, qEnvironmentVariableIntValue("PANEL_TEST_PATIENCE"));
+const int StartTimeoutMs = 30000 * Patience;
+const int ExitTimeoutMs = 30000 * Patience;
 //! Longer than the panel ever blocks its own event loop.
-constexpr int AnswerTimeoutMs = 30000;
+const int AnswerTimeoutMs = 30000 * Patience;
 
 const QString Object = QStringLiteral("object");
 const QString Name = QStringLiteral("name");
@@ -85,6 +90,36 @@ QProcessEnvironment &PanelProcess::environment()
     return m_environment;
 }
 
+void PanelProcess::setLauncher(const QStringList &command)
+{
+    m_launcher = command;
+}
+
+void PanelProcess::share()
+{
+    if (!QDir().mkpath(sharedFolder()))
+        qFatal("can't make %s", qPrintable(sharedFolder()));
+    // The inspector's socket is made in the root.
+    for (const QString &path : {m_root.path(), sharedFolder()}) {
+        if (chmod(QFile::encodeName(path).constData(), S_IRWXU | S_IRWXG | S_IRWXO) != 0)
+            qFatal("can't share %s", qPrintable(path));
+    }
+}
+
+QString PanelProcess::sharedFolder() const
+{
+    return m_root.filePath(QStringLiteral("shared"));
+}
+
+QStringList PanelProcess::inspectorArguments() const
+{
+    // Qt looks for plug-ins in the program's own folder too.
+    const QString folder = m_folder + QStringLiteral("/generic");
+    if (!QFile::exists(folder) && !QFile::link(pluginPath() + QStringLiteral("/generic"), folder))
+        qFatal("can't make %s", qPrintable(folder));
+    return {QStringLiteral("-plugin"), QStringLiteral("panelinspector:") + m_socketPath};
+}
+
 QString PanelProcess::pluginPath()
 {
     return QStringLiteral(PANEL_TEST_PLUGINS);
@@ -93,7 +128,10 @@ QString PanelProcess::pluginPath()
 bool PanelProcess::start(const QStringList &arguments)
 {
     m_process.setProcessEnvironment(m_environment);
-    m_process.start(QDir(m_folder).filePath(QStringLiteral("corvane-panel")), arguments);
+    QStringList command = m_launcher;
+    command.append(QDir(m_folder).filePath(QStringLiteral("corvane-panel")));
+    command.append(arguments);
+    m_process.start(command.takeFirst(), command);
     if (m_process.waitForStarted() && connectToInspector()
         && QTest::qWaitFor(
                 [this] {

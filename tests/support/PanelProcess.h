@@ -58,6 +58,23 @@ public:
 
     //! The environment for the panel: this process's own, and the inspector. Change it at will.
     QProcessEnvironment &environment();
+    /*!
+        Lets \a command start the panel: a program with its arguments that takes what it is to run
+        as further arguments and ends by becoming it, such as {"setpriv", "--reuid=65534"}.
+    */
+    void setLauncher(const QStringList &command);
+    /*!
+        Lets any user run the panel in its folder. What the daemon needs to be able to write must
+        lie in a folder that such a user may write to; sharedFolder() is one.
+    */
+    void share();
+    //! A folder beside the panel's own, which has nothing in it but what the test puts there.
+    QString sharedFolder() const;
+    /*!
+        The arguments with which the panel takes the inspector in without any variable of the
+        environment. To be asked before environment() is cleared.
+    */
+    QStringList inspectorArguments() const;
     //! The folder of the inspector's plug-in, which must stand in the panel's QT_PLUGIN_PATH.
     static QString pluginPath();
 
@@ -169,6 +186,7 @@ private:
     QString m_folder;
     QString m_socketPath;
     QString m_errorPath;
+    QStringList m_launcher;
     QProcessEnvironment m_environment;
     QProcess m_process;
     std::unique_ptr<QLocalSocket> m_socket;

@@ -1,0 +1,241 @@
+#include "tests/support/PanelProcess.h"
+#include "tests/support/ShimFolder.h"
+#include "tests/support/StandInDaemon.h"
+
+#include <QDir>
+#include <QTest>
+#include <QWindow>
+
+#include <csignal>
+#include <memory>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace {
+
+const QString Window = QStringLiteral("ServiceContainer");
+const QString Table = QStringLiteral("treeWidgetOW");
+const QString Notice = QStringLiteral("labelNoService");
+constexpr int PidColumn = 1;
+
+//! Several refreshes, on a machine with other things to do.
+constexpr int RefreshTimeoutMs = 20000;
+
+//! The status with which Qt's X11 plug-in ends a program that has lost its display.
+constexpr int LostDisplayStatus = 1;
+
+//! An X server of the test's own, which it may end.
+class PrivateDisplay
+{
+public:
+    PrivateDisplay()
+    {
+        m_server.start(QStringLiteral("Xvfb"),
+                       {QStringLiteral("-displayfd"), QStringLiteral("1"),
+                        QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                        QStringLiteral("-noreset"), QStringLiteral("-screen"), QStringLiteral("0"),
+                        QStringLiteral("1280x1024x24")});
+        while (!m_server.canReadLine()) {
+            if (!m_server.waitForReadyRead())
+                qFatal("the X server doesn't start");
+        }
+        m_name = QLatin1Char(':') + QString::fromLatin1(m_server.readLine().trimmed());
+    }
+    ~PrivateDisplay()
+    {
+        end(m_manager, SIGKILL);
+        end(m_server, SIGKILL);
+    }
+    Q_DISABLE_COPY_MOVE(PrivateDisplay)
+
+    [[nodiscard]] QString name() const { return m_name; }
+
+    void startManager()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("DISPLAY"), m_name);
+        m_manager.setProcessEnvironment(environment);
+        m_manager.start(QStringLiteral("openbox"), QStringList());
+        if (!m_manager.waitForStarted() || !QTest::qWaitFor([this] { return hasManager(); }, 20000))
+            qFatal("the window manager doesn't start");
+    }
+
+    //! Whether a manager has announced itself that still has its window.
+    [[nodiscard]] bool hasManager() const
+    {
+        QProcess xprop;
+        xprop.start(QStringLiteral("xprop"),
+                    {QStringLiteral("-display"), m_name, QStringLiteral("-root"),
+                     QStringLiteral("_NET_SUPPORTING_WM_CHECK")});
+        return xprop.waitForFinished() && xprop.readAllStandardOutput().contains("window id");
+    }
+
+    void endManager(int signal) { end(m_manager, signal); }
+    void endServer(int signal) { end(m_server, signal); }
+
+private:
+    static void end(QProcess &process, int signal)
+    {
+        if (process.state() == QProcess::NotRunning)
+            return;
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+        process.waitForFinished();
+    }
+
+    QProcess m_server;
+    QProcess m_manager;
+    QString m_name;
+};
+
+bool showsDaemon(PanelProcess &panel, qint64 pid)
+{
+    return panel.rowTexts(Table).value(0).value(PidColumn) == QString::number(pid);
+}
+
+bool showsNotice(PanelProcess &panel)
+{
+    return panel.property(Notice, "visible").toBool() && panel.rowTexts(Table).isEmpty();
+}
+
+} // namespace
+
+/*!
+    The running panel when the display around it goes or fills up.
+*/
+class tst_DisplayLoss : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void serverGone_data();
+    void serverGone();
+    void managerGone_data();
+    void managerGone();
+    void fullOfWindows();
+};
+
+void tst_DisplayLoss::serverGone_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("moment");
+
+    QTest::newRow("ended, idle") << SIGTERM << "idle";
+    QTest::newRow("killed, idle") << SIGKILL << "idle";
+    QTest::newRow("killed, in a refresh") << SIGKILL << "refresh";
+    QTest::newRow("killed, in a repair") << SIGKILL << "repair";
+    QTest::newRow("killed, behind a message box") << SIGKILL << "box";
+}
+
+void tst_DisplayLoss::serverGone()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, moment);
+    PrivateDisplay display;
+    ShimFolder shims;
+    PanelProcess panel;
+    panel.placeDaemon();
+    panel.environment().insert(QStringLiteral("DISPLAY"), display.name());
+    panel.environment().insert(QStringLiteral("PATH"), QString::fromLocal8Bit(qgetenv("PATH")));
+    QVERIFY(panel.start());
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    const QList<qint64> pids = panel.daemonPids();
+    QCOMPARE(pids.size(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(showsDaemon(panel, pids.first()), RefreshTimeoutMs);
+
+    // A refresh that goes on until the test writes a line.
+    const QByteArray pipe = QFile::encodeName(shims.path() + QStringLiteral("/pipe"));
+    QCOMPARE(mkfifo(pipe.constData(), S_IRUSR | S_IWUSR), 0);
+    if (moment == QLatin1String("refresh")) {
+        shims.add(QStringLiteral("pgrep"), "read -r < '" + pipe + "'\nexec /usr/bin/pgrep \"$@\"");
+        QTRY_VERIFY_WITH_TIMEOUT(!shims.calls(QStringLiteral("pgrep")).isEmpty(), RefreshTimeoutMs);
+    } else if (moment != QLatin1String("idle")) {
+        QVERIFY(panel.invoke(QStringLiteral("OverviewForm"), "on_xfkqfw_clicked"));
+        if (moment == QLatin1String("box"))
+            QTRY_VERIFY_WITH_TIMEOUT(panel.messageBox(), RefreshTimeoutMs);
+    }
+
+    display.endServer(signal);
+    if (moment == QLatin1String("refresh")) {
+        QVERIFY(panel.isRunning());
+        QFile file(QFile::decodeName(pipe));
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        file.write("\n");
+    }
+
+    QCOMPARE(panel.waitForExit(), std::optional<int>(LostDisplayStatus));
+    QCOMPARE(panel.daemonPids(), pids);
+    for (const QString &folder : {panel.folder(), QDir::currentPath()})
+        QCOMPARE(QDir(folder).entryList({QStringLiteral("core*")}), QStringList());
+}
+
+void tst_DisplayLoss::managerGone_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("ended") << SIGTERM;
+    QTest::newRow("killed") << SIGKILL;
+}
+
+void tst_DisplayLoss::managerGone()
+{
+    QFETCH(int, signal);
+    PrivateDisplay display;
+    display.startManager();
+    PanelProcess panel;
+    panel.environment().insert(QStringLiteral("DISPLAY"), display.name());
+    QVERIFY(panel.start());
+    QVERIFY(showsNotice(panel));
+
+    display.endManager(signal);
+
+    // Without anyone to manage it the window stays where it is, and alive.
+    QTRY_VERIFY(panel.isExposed(Window));
+    const QTemporaryDir elsewhere;
+    const StandInDaemon daemon(elsewhere.filePath(QStringLiteral("Corvane")));
+    QTRY_VERIFY_WITH_TIMEOUT(showsDaemon(panel, daemon.pid()), RefreshTimeoutMs);
+    QVERIFY(panel.isExposed(Window));
+
+    // And a new manager finds it.
+    display.startManager();
+    QTRY_VERIFY(panel.isExposed(Window));
+    QVERIFY(panel.invoke(Window, "close"));
+    QCOMPARE(panel.waitForExit(), std::optional<int>(0));
+    QCOMPARE(panel.errorLines(),
+             QStringList(QStringLiteral("file: \"%1\"").arg(panel.daemonPath())));
+}
+
+void tst_DisplayLoss::fullOfWindows()
+{
+    constexpr int Managed = 20;
+    constexpr int Windows = 300;
+    std::vector<std::unique_ptr<QWindow>> windows;
+    const auto fill = [&windows](int count, Qt::WindowFlags flags) {
+        while (count-- > 0) {
+            windows.push_back(std::make_unique<QWindow>());
+            windows.back()->setFlags(flags);
+            windows.back()->setGeometry(0, 0, 1920, 1080);
+            windows.back()->show();
+        }
+    };
+    fill(Managed, Qt::Window);
+    QTRY_VERIFY(windows.back()->isExposed());
+
+    PanelProcess panel;
+    panel.placeDaemon();
+    QVERIFY(panel.start());
+    fill(Windows, Qt::Window | Qt::BypassWindowManagerHint);
+    QTRY_VERIFY(windows.back()->isExposed());
+
+    // Out of sight it goes on all the same.
+    QTRY_VERIFY(panel.hasDaemonRecord());
+    const QList<qint64> pids = panel.daemonPids();
+    QCOMPARE(pids.size(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(showsDaemon(panel, pids.first()), RefreshTimeoutMs);
+    QVERIFY(panel.invoke(Window, "close"));
+    QCOMPARE(panel.waitForExit(), std::optional<int>(0));
+    QCOMPARE(panel.daemonPids(), pids);
+}
+
+QTEST_MAIN(tst_DisplayLoss)
+#include "tst_DisplayLoss.moc"

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QtGlobal>
+
+/*!
+    How many rounds a test is to do: \a rounds, or what the variable PANEL_TEST_ROUNDS says, with
+    which its long form is run. A variable that holds no positive number counts as not set.
+*/
+inline int roundsOr(int rounds)
+{
+    bool isNumber = false;
+    const int asked = qEnvironmentVariableIntValue("PANEL_TEST_ROUNDS", &isNumber);
+    return isNumber && asked > 0 ? asked : rounds;
+}
+
+/*!
+    Where a test's random numbers start: what the variable PANEL_TEST_RANDOM says, to try a run
+    again, or \a number.
+*/
+inline quint32 randomStartOr(quint32 number)
+{
+    bool isNumber = false;
+    const int asked = qEnvironmentVariableIntValue("PANEL_TEST_RANDOM", &isNumber);
+    return isNumber ? static_cast<quint32>(asked) : number;
+}

@@ -32,6 +32,7 @@ display_packages=(
 test_packages=(
     libxcb-xfixes0-dev
     pkg-config
+    xserver-xephyr
     appstream
     desktop-file-utils
     dpkg-dev

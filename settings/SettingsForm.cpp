@@ -3,6 +3,8 @@
 #include "ui_SettingsForm.h"
 
 #include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -35,6 +37,9 @@ constexpr std::array<const char *, 5> LevelNames = {
         QT_TRANSLATE_NOOP("SettingsForm", "致命"),
 };
 
+//! From this age on a lock without a signature is nobody's: signing takes microseconds.
+constexpr int AbandonedLockMs = 1000;
+
 void setUpNumber(QSpinBox *field, const Setting &setting)
 {
     field->setRange(setting.minimum, setting.maximum);
@@ -57,6 +62,21 @@ void readNumber(const QSettings *settings, const Setting &setting, QSpinBox *fie
 void write(QSettings *settings, const Setting &setting, const QVariant &value)
 {
     settings->setValue(QLatin1String(setting.key), value);
+}
+
+/*!
+    Takes the lock of \a file away that a panel has left which was killed between making the lock
+   and signing it: with such a lock QSettings would block the first change for half a minute.
+*/
+void removeAbandonedLock(const QString &file)
+{
+    const QString path = file + QStringLiteral(".lock");
+    if (!QFileInfo::exists(path) || QFileInfo(path).size() > 0)
+        return;
+    QLockFile lock(path);
+    lock.setStaleLockTime(AbandonedLockMs);
+    // Takes the place of a stale lock, which then goes with this object.
+    lock.tryLock(0);
 }
 
 } // namespace
@@ -105,8 +125,9 @@ void SettingsForm::loadConfig()
                            + QStringLiteral("/KqVantora");
     // Of a relative path this makes a second one inside the first; kept as the design has it.
     QDir(folder).mkpath(folder);
-    settings = new QSettings(QStringLiteral("%1/settings.ini").arg(folder), QSettings::IniFormat,
-                             this);
+    const QString file = QStringLiteral("%1/settings.ini").arg(folder);
+    removeAbandonedLock(file);
+    settings = new QSettings(file, QSettings::IniFormat, this);
     if (settings->status() != QSettings::NoError)
         return;
 

@@ -1,20 +1,72 @@
 #include "shell/ServiceContainer.h"
 
+#include "fancy/FancyBar.h"
+#include "fancy/FancyTitleBar.h"
 #include "overview/OverviewForm.h"
+#include "settings/SettingsForm.h"
+#include "shell/TabTitle.h"
+#include "ui_ServiceContainer.h"
 
-#include <QVBoxLayout>
+#include <QWKWidgets/widgetwindowagent.h>
 
 namespace {
+
 constexpr QSize WindowSize(800, 600);
-}
+constexpr int TitleBarHeight = 32;
+constexpr int TitleBarGrey[] = {216, 217, 218};
+
+} // namespace
 
 ServiceContainer::ServiceContainer(QWidget *parent)
     : QWidget(parent)
+    , ui(new Ui_ServiceContainer)
 {
-    setWindowTitle(tr("朔川统一服务"));
+    // Added to the flags, not set in their place.
+    setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
+    ui->setupUi(this);
+
+    bar = new FancyBar(this);
+    bar->setObjectName(QStringLiteral("fancy_titlebar"));
+    bar->setTitleBarHeight(TitleBarHeight);
+    FancyTitleBar *titleBar = bar->titleBar();
+    // Deliberate: without a title bar there is no more of the window than this.
+    if (!titleBar)
+        return;
+
+    tab = new TabTitle(this);
+    bar->addAdditionalControl(tab, FancyBar::TitlePosition, 0);
+    ui->verticalLayout->insertWidget(0, bar);
+    bar->setTextColor(QColor(0, 0, 0));
+    bar->setBackgroundColor(QColor(TitleBarGrey[0], TitleBarGrey[1], TitleBarGrey[2]));
+
+    auto *agent = new QWK::WidgetWindowAgent(this);
+    agent->setup(this);
+    connect(agent, &QWK::WindowAgentBase::inTitleBarDraggableArea, this,
+            &ServiceContainer::inTitleBarDraggableArea);
+
     setFixedSize(WindowSize);
 
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new OverviewForm(this));
+    ui->stackedWidget->addWidget(new OverviewForm(ui->stackedWidget));
+    ui->stackedWidget->addWidget(new SettingsForm(ui->stackedWidget));
+
+    connect(tab, &TabTitle::tabIndexChanged, this, &ServiceContainer::onTabIndexChanged);
+    connect(titleBar, &FancyTitleBar::closeClicked, this, &QWidget::close);
+
+    // Nothing shows the tabs again in this build, on purpose: the settings page stays out of reach.
+    tab->showTabWidget(false);
+}
+
+ServiceContainer::~ServiceContainer()
+{
+    delete ui;
+}
+
+bool ServiceContainer::inTitleBarDraggableArea(const QPoint &pos) const
+{
+    return tab && tab->inDragArea(pos);
+}
+
+void ServiceContainer::onTabIndexChanged(int index)
+{
+    ui->stackedWidget->setCurrentIndex(index);
 }

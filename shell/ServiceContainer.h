@@ -2,14 +2,38 @@
 
 #include <QWidget>
 
+class FancyBar;
+class TabTitle;
+class Ui_ServiceContainer;
+
 /*!
-    The panel's one window, of 800 × 600 pixels. It holds the run-status page.
+    The panel's one window: frameless, fixed at 800 × 600 pixels, with the title strip on top and
+   the stack of the two pages below it, the run-status page first.
+
+    The window can be dragged by its strip, except where inTitleBarDraggableArea() says otherwise,
+    and is closed by the strip's close button. The tabs that choose the page are hidden.
 */
 class ServiceContainer : public QWidget
 {
     Q_OBJECT
 
 public:
-    //! Builds the window and its page. \a parent is the owner, as for any widget.
+    /*!
+        Builds the window with its pages; each page does what it does at its start, the run-status
+        page a first refresh. \a parent is the owner.
+    */
     explicit ServiceContainer(QWidget *parent = nullptr);
+    ~ServiceContainer() override;
+
+    //! Whether a press at \a pos, in window coordinates, may drag the window.
+    bool inTitleBarDraggableArea(const QPoint &pos) const;
+
+public slots:
+    //! Shows page \a index: 0 is the run-status page, 1 the settings page.
+    void onTabIndexChanged(int index);
+
+private:
+    Ui_ServiceContainer *ui;
+    FancyBar *bar = nullptr;
+    TabTitle *tab = nullptr;
 };

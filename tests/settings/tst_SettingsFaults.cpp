@@ -4,7 +4,9 @@
 #include "tests/support/OrdinaryUser.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QSettings>
 #include <QSpinBox>
@@ -61,6 +63,8 @@ private slots:
     void linkInACircle();
     void malformedFileTakesChanges();
     void fileRemovedMeanwhile();
+    void abandonedLock();
+    void youngLockIsLeftAlone();
 
 private:
     void chmod(const QString &path, mode_t mode);
@@ -271,6 +275,49 @@ void tst_SettingsFaults::fileRemovedMeanwhile()
     QVERIFY(QDir(m_home->folder()).removeRecursively());
     change(page);
     QCOMPARE(m_home->read(), QByteArray("[msg]\nuploadInterval=7\n"));
+}
+
+void tst_SettingsFaults::abandonedLock()
+{
+    m_home->write(Old);
+    const QString lock = m_home->file() + QStringLiteral(".lock");
+    writeFile(lock, QByteArray());
+    QFile file(lock);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-2),
+                             QFileDevice::FileModificationTime));
+    file.close();
+
+    QElapsedTimer clock;
+    clock.start();
+    const SettingsForm page;
+    QVERIFY(!QFile::exists(lock));
+    change(page);
+    QCOMPARE(m_home->read(), QByteArray(Changed));
+    // Qt itself would wait half a minute.
+    QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
+}
+
+void tst_SettingsFaults::youngLockIsLeftAlone()
+{
+    m_home->write(Old);
+    const QString lock = m_home->file() + QStringLiteral(".lock");
+    const auto loads = [&](const QByteArray &content, int age) {
+        writeFile(lock, content);
+        QFile file(lock);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-age),
+                                 QFileDevice::FileModificationTime));
+        file.close();
+        const SettingsForm page;
+        QCOMPARE(readFile(lock), content);
+        QVERIFY(QFile::exists(lock));
+    };
+
+    // Somebody may be about to sign it.
+    loads(QByteArray(""), 0);
+    // Somebody has: whether it is stale is for the file's own lock to tell.
+    loads(QByteArray("1\nprogram\nhost\n"), 5);
 }
 
 QTEST_MAIN(tst_SettingsFaults)

@@ -91,8 +91,8 @@ void tst_SettingsKilled::fileIsWholeAtAnyMoment()
     const QString lock = home.file() + QStringLiteral(".lock");
     const qint64 step = timeOfAChange() * ChangesSpread / Kills;
     const auto freeLock = [&lock] {
-        // QSettings waits for ever for a lock that doesn't tell whose it is: a writer was killed in
-        // the microseconds between making the lock and signing it.
+        // QSettings waits half a minute for a lock that doesn't tell whose it is: a writer was
+        // killed in the microseconds between making the lock and signing it.
         if (QFileInfo(lock).size() == 0)
             QFile::remove(lock);
     };

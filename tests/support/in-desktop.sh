@@ -84,17 +84,27 @@ done
 [ -z "${LSAN_OPTIONS+set}" ] || environment+=(QT_XCB_GL_INTEGRATION=none)
 
 if [ "$display" = yes ]; then
-    arguments=(-nolisten tcp -noreset -dpi 96)
-    for i in "${!screens[@]}"; do
-        arguments+=(-screen "$i" "${screens[$i]}")
-    done
-    [ ${#screens[@]} -eq 1 ] || arguments+=(+xinerama)
-    # The kernel ends the server with this script, also where the script is killed outright.
-    setpriv --pdeathsig TERM Xvfb -displayfd 3 "${arguments[@]}" \
-        3>"$root/display" >"$root/log/Xvfb" 2>&1 &
-    server=$!
-    started=("$server")
-    wait_until "$server" "the X server" grep -q . "$root/display"
+    # start_server PROGRAM ARGUMENT...: leaves its display number in the file "display". The kernel
+    # ends the server with this script, also where the script is killed outright.
+    start_server() {
+        : >"$root/display"
+        setpriv --pdeathsig TERM "$1" -displayfd 3 -nolisten tcp -noreset -dpi 96 "${@:2}" \
+            3>"$root/display" >"$root/log/$1" 2>&1 &
+        server=$!
+        started=("$server" "${started[@]}")
+        wait_until "$server" "the X server $1" grep -q . "$root/display"
+    }
+
+    start_server Xvfb -screen 0 "${screens[0]}"
+    if [ ${#screens[@]} -gt 1 ]; then
+        # Xvfb lays its screens one upon the other. Xephyr, shown on it, sets them side by side;
+        # without RANDR, of which it would tell only the first.
+        arguments=(+xinerama -extension RANDR)
+        for screen in "${screens[@]}"; do
+            arguments+=(-screen "$screen")
+        done
+        DISPLAY=":$(cat "$root/display")" start_server Xephyr "${arguments[@]}"
+    fi
     environment+=(DISPLAY=":$(cat "$root/display")")
 
     if [ "$wm" != none ]; then

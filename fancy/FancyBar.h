@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+class FancyBarPrivate;
+class FancyButton;
+class FancyTitleBar;
+class QAction;
+
+/*!
+    The title strip of a frameless window: a row with room for the caller's own controls at the left
+    and the window's system buttons at the right, on a solid background.
+
+    Create it with the window as parent and place it at the top of the window's layout. It brings a
+    FancyTitleBar for that window along, see titleBar(); connect its closeClicked() to the window's
+    close(), the bar doesn't. Its height is fixed by setTitleBarHeight(), and by nothing before that
+    is called.
+
+    The bar has the makings of a second row, for a menu bar and further buttons. It is not built by
+    default.
+
+    \section ownership Ownership
+
+    The title bar controller is a child of the window and goes with the window; all else goes with
+    the bar. Bar, window and controller may be destroyed in any order.
+*/
+class FancyBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    //! The row that an additional control is added to.
+    enum AdditionalControlPosition {
+        TitlePosition = 0,
+        MenuPosition = 1,
+    };
+    //! How the rows are arranged.
+    enum FancyStyle {
+        WindowStyle = 0,
+        ClassicStyle = 1,
+        MergedStyle = 2,
+        DialogStyle = 3,
+    };
+
+    /*!
+        Creates the bar of the window \a parent, in the colour that was last set on any bar and red
+        before that. Without a \a parent the bar has no system buttons.
+    */
+    explicit FancyBar(QWidget *parent = nullptr);
+
+    //! The window's title bar controller; null after it was destroyed.
+    FancyTitleBar *titleBar() const;
+
+    //! Stores the colour of the menu's text, opaque RGB (250, 250, 250) by default. Nothing shows
+    //! it.
+    void setTextColor(const QColor &color);
+
+    //! Paints the bar in \a color from now on, and starts every bar that is created later with it.
+    void setBackgroundColor(const QColor &color);
+
+    /*!
+        Adds \a widget at the right end of the controls of the row \a position, which takes it over.
+        In the title row \a spacing pixels are put before it; in the menu row \a spacing is ignored.
+        Does nothing for a null \a widget and where the row doesn't exist.
+    */
+    void addAdditionalControl(QWidget *widget, AdditionalControlPosition position, int spacing);
+
+    /*!
+        Adds a button that shows text, icon and tooltip of \a action and triggers it, as for a
+       widget; in the title row it is 25 pixels high. A press on the button of an action with a menu
+       opens the menu at the button's bottom left corner, and the button looks pressed while it is
+       open.
+
+        Returns the button, or null for a null \a action. Where the row doesn't exist the button is
+        placed nowhere: give it a parent, or it goes with the bar.
+    */
+    FancyButton *addAdditionalControl(QAction *action, AdditionalControlPosition position,
+                                      int spacing);
+
+    //! Hands \a resizable to the title bar controller.
+    void setWidgetResizable(bool resizable);
+
+    /*!
+        Fixes the height of the bar and of its title row at \a height pixels where that is between
+       33 and 47, and otherwise at the height stored before, 32 by default.
+    */
+    void setTitleBarHeight(int height);
+
+    //! Shows the system buttons that the window's flags now ask for.
+    void updateWidgetFlags();
+
+    //! The bar's present width and its stored height.
+    QSize sizeHint() const override;
+
+signals:
+    //! The title bar controller's windowResizable(), passed on.
+    void maximizationChanged(bool resizable);
+
+private:
+    FancyBarPrivate *d;
+
+    static QColor s_backgroundColor;
+};

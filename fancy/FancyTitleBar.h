@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QIcon>
+#include <QObject>
+
+class FancyTitleBarPrivate;
+class QWidget;
+
+/*!
+    Gives a frameless top-level widget, its main widget, the buttons that a window frame would have:
+    minimize, maximize or restore, and close, in one group widget, with a system menu of the same
+    commands. It follows the window's state, so that the maximize button always shows what it would
+    do.
+
+    The title bar is no widget. It draws no caption and neither moves nor resizes the window: place
+    systemGroup() in a strip of your own. Construct it when the main widget has its final window
+    flags. Minimize and maximize stay hidden until updateWidgetFlags() finds their hints among these
+    flags.
+
+    The title bar consumes every QEvent::WindowStateChange of the main widget: that widget's own
+    changeEvent() doesn't see it.
+
+    The pictures come from the resources close.svg, minimize.svg, maximize.svg and restore.svg under
+    ":/client/resources/".
+
+    \section ownership Ownership
+
+    The title bar is a child of the main widget. So are the menu, the group and the buttons; the
+   group moves on to the widget in whose layout it is placed. Each of them may be destroyed before
+   the others: what is gone is null here, and operations that miss something do nothing.
+*/
+class FancyTitleBar : public QObject
+{
+    Q_OBJECT
+
+public:
+    /*!
+        Builds buttons, group and menu for the main widget \a parent and filters its events. With a
+        null \a parent the title bar is inert: no main widget, no group, no buttons.
+    */
+    explicit FancyTitleBar(QWidget *parent);
+    ~FancyTitleBar() override;
+
+    //! Tells which widget forms the title strip. It is kept, not owned, and not used so far.
+    void setTitleWidget(QWidget *widget);
+
+    //! The window that is served; null for an inert title bar and after the window is gone.
+    QWidget *mainWidget() const;
+
+    //! The widget with the three buttons, to be placed in the title strip; may be null.
+    QWidget *systemGroup() const;
+
+    /*!
+        Set the icon of one button, until the title bar next applies the icons that it stores
+       itself: a state change does so for the maximize button.
+    */
+    void setCloseIcon(QIcon &icon);
+    void setMinimizeIcon(QIcon &icon);
+    void setMaximizeIcon(QIcon &icon);
+
+    /*!
+        Stores \a icon as the light variant of the restore icon and, as long as the main widget is
+       not maximized, shows it on the maximize button at once. Does nothing without a main widget.
+    */
+    void setNormalIcon(QIcon &icon);
+
+    //! Chooses the dark variants of the icons for the next state change; changes no icon now.
+    void setIconDark(bool dark);
+
+    //! What resizable() returns; false by default. Emits nothing.
+    void setWidgetResizable(bool resizable);
+    //! Kept for handlers that move the window; true by default. Emits nothing.
+    void setWidgetMovable(bool movable);
+    //! Kept for handlers that maximize the window; updateWidgetFlags() sets it as well.
+    void setWidgetMaximizable(bool maximizable);
+
+    //! Reads the main widget's window flags anew and shows the buttons whose hints they contain.
+    void updateWidgetFlags();
+
+    bool resizable() const;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+signals:
+    /*!
+        The window was maximized (false) or restored (true) by the title bar's own operations for a
+        given widget. The buttons, the menu and the window manager don't emit it.
+    */
+    void windowResizable(bool resizable);
+    //! For connections; not emitted by the title bar.
+    void windowMovable(bool movable);
+    //! For connections; not emitted by the title bar.
+    void windowIconChanged(QIcon &icon);
+    //! The close button or its menu entry was used. The title bar doesn't close the window itself.
+    void closeClicked();
+    //! For connections; not emitted by the title bar. The spelling is part of the interface.
+    void moveContinousOver();
+
+private:
+    FancyTitleBarPrivate *d;
+};

@@ -1,0 +1,63 @@
+#include "shell/TabTitle.h"
+
+#include "shell/MultiProjectsTabStyle.h"
+#include "ui_TabTitle.h"
+
+#include <QFont>
+#include <QIcon>
+#include <QPixmap>
+#include <QTabBar>
+
+namespace {
+constexpr QSize PictureSize(18, 17);
+}
+
+TabTitle::TabTitle(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui_TabTitle)
+{
+    ui->setupUi(this);
+
+    ui->label->setAttribute(Qt::WA_MouseTracking);
+    ui->label->installEventFilter(this);
+
+    QTabBar *tabBar = ui->tabWidget->tabBar();
+    auto *style = new MultiProjectsTabStyle(tabBar, nullptr);
+    // setStyle() takes no ownership. As the header's last child the style outlives the tab bar.
+    style->setParent(this);
+    tabBar->setStyle(style);
+
+    const QFont font;
+    ui->tabWidget->setFont(font);
+    tabBar->setFont(font);
+
+    ui->tabWidget->addTab(new QWidget(this),
+                          QIcon(QStringLiteral(":/client/resources/overview.svg")),
+                          QStringLiteral("运行状态"));
+    ui->tabWidget->addTab(new QWidget(this),
+                          QIcon(QStringLiteral(":/client/resources/settings.svg")),
+                          QStringLiteral("服务设置"));
+
+    ui->labelIcon->setPixmap(
+            QPixmap(QStringLiteral(":/client/resources/application.svg"))
+                    .scaled(PictureSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, &TabTitle::tabIndexChanged);
+}
+
+TabTitle::~TabTitle()
+{
+    delete ui;
+}
+
+bool TabTitle::inDragArea(const QPoint &pos) const
+{
+    // Deliberately without mapping between the two: the window's drag rule is made of just these
+    // rectangles, each at (0, 0), and counts on the hidden tabs too.
+    return rect().contains(pos) && !ui->tabWidget->rect().contains(pos);
+}
+
+void TabTitle::showTabWidget(bool show)
+{
+    ui->tabWidget->setVisible(show);
+}

@@ -1,0 +1,372 @@
+#include "tests/fancy/privates.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QStyleFactory>
+#include <QTest>
+
+Q_DECLARE_METATYPE(QMouseEvent *)
+Q_DECLARE_METATYPE(Qt::MouseButton)
+
+namespace {
+constexpr QSize ButtonSize(60, 30);
+constexpr QPoint ButtonPosition(40, 40);
+constexpr QPoint Aside(5, 5);
+constexpr QPoint Inside(30, 15);
+constexpr QRgb HoverRgb = qRgb(10, 200, 30);
+constexpr QRgb PressRgb = qRgb(200, 10, 30);
+constexpr QRgb NormalRgb = qRgb(10, 30, 200);
+} // namespace
+
+class tst_FancyButtonEvents : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void realPointerBringsAndTakesTheHoverColor_data();
+    void realPointerBringsAndTakesTheHoverColor();
+    void entersOnlyWhenEnabled();
+    void disabledUnderThePointerLosesTheHoverColor();
+    void pressesWithTheLeftButtonOnly_data();
+    void pressesWithTheLeftButtonOnly();
+    void pressDoesNotReachTheBase();
+    void releasesAtAPoint_data();
+    void releasesAtAPoint();
+    void releaseWithoutAPressClicks();
+    void otherButtonsReleaseNothing_data();
+    void otherButtonsReleaseNothing();
+    void doubleClicksWithTheLeftButtonOnly_data();
+    void doubleClicksWithTheLeftButtonOnly();
+    void menuIsTriggeredByThePress_data();
+    void menuIsTriggeredByThePress();
+    void menuIsNotTriggered_data();
+    void menuIsNotTriggered();
+    void mayBeDestroyedWhileItsMenuIsTriggered();
+
+private:
+    QRgb centre() const;
+    FancyButtonPrivate &data() const { return *ButtonData::of(*button); }
+
+    QScopedPointer<QWidget> window;
+    FancyButton *button = nullptr;
+};
+
+void tst_FancyButtonEvents::initTestCase()
+{
+    qRegisterMetaType<QMouseEvent *>();
+}
+
+void tst_FancyButtonEvents::init()
+{
+    window.reset(new QWidget);
+    window->setFixedSize(200, 120);
+    button = new FancyButton(window.data());
+    button->setGeometry(QRect(ButtonPosition, ButtonSize));
+    button->setHasBorder(false);
+    button->setHoverColor(QColor(HoverRgb));
+    button->setPressColor(QColor(PressRgb));
+    button->setNormalColor(QColor(NormalRgb));
+    window->move(100, 100);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QTest::mouseMove(window.data(), Aside);
+    QTRY_VERIFY(window->underMouse());
+    QTRY_VERIFY(!data().m_bMouseHover);
+}
+
+void tst_FancyButtonEvents::cleanup()
+{
+    window.reset();
+}
+
+// What the screen shows in the middle of the button.
+QRgb tst_FancyButtonEvents::centre() const
+{
+    const QPoint position = window->mapToGlobal(ButtonPosition + Inside);
+    return window->screen()->grabWindow(0, position.x(), position.y(), 1, 1).toImage().pixel(0, 0);
+}
+
+void tst_FancyButtonEvents::realPointerBringsAndTakesTheHoverColor_data()
+{
+    QTest::addColumn<QString>("style");
+
+    QTest::newRow("Fusion") << "fusion";
+    QTest::newRow("Windows") << "windows";
+}
+
+void tst_FancyButtonEvents::realPointerBringsAndTakesTheHoverColor()
+{
+    QFETCH(QString, style);
+    QApplication::setStyle(QStyleFactory::create(style));
+    init();
+    QTRY_COMPARE(centre(), NormalRgb);
+
+    QTest::mouseMove(button, Inside);
+    QTRY_COMPARE(centre(), HoverRgb);
+    QVERIFY(data().m_bMouseHover);
+
+    QTest::mouseMove(window.data(), Aside);
+    QTRY_COMPARE(centre(), NormalRgb);
+    QVERIFY(!data().m_bMouseHover);
+}
+
+void tst_FancyButtonEvents::entersOnlyWhenEnabled()
+{
+    button->setEnabled(false);
+
+    QTest::mouseMove(button, Inside);
+    QTRY_VERIFY(button->underMouse());
+
+    QVERIFY(!data().m_bMouseHover);
+    QTRY_COMPARE(centre(), NormalRgb);
+}
+
+void tst_FancyButtonEvents::disabledUnderThePointerLosesTheHoverColor()
+{
+    QTest::mouseMove(button, Inside);
+    QTRY_COMPARE(centre(), HoverRgb);
+
+    button->setEnabled(false);
+    QTRY_COMPARE(centre(), NormalRgb);
+
+    button->setEnabled(true);
+    QTRY_COMPARE(centre(), HoverRgb);
+}
+
+void tst_FancyButtonEvents::pressesWithTheLeftButtonOnly_data()
+{
+    QTest::addColumn<Qt::MouseButton>("mouseButton");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<bool>("acts");
+
+    QTest::newRow("left") << Qt::LeftButton << true << true;
+    QTest::newRow("right") << Qt::RightButton << true << false;
+    QTest::newRow("middle") << Qt::MiddleButton << true << false;
+    QTest::newRow("back") << Qt::BackButton << true << false;
+    QTest::newRow("left, disabled") << Qt::LeftButton << false << false;
+}
+
+void tst_FancyButtonEvents::pressesWithTheLeftButtonOnly()
+{
+    QFETCH(Qt::MouseButton, mouseButton);
+    QFETCH(bool, enabled);
+    QFETCH(bool, acts);
+    button->setEnabled(enabled);
+
+    QTest::mousePress(button, mouseButton, Qt::NoModifier, Inside);
+
+    QCOMPARE(data().m_bMousePress, acts);
+    QTRY_COMPARE(centre(), acts ? PressRgb : NormalRgb);
+}
+
+void tst_FancyButtonEvents::pressDoesNotReachTheBase()
+{
+    const QSignalSpy pressed(button, &FancyButton::pressed);
+    const QSignalSpy released(button, &FancyButton::released);
+
+    QTest::mousePress(button, Qt::LeftButton, Qt::NoModifier, Inside);
+    QVERIFY(!button->isDown());
+    QTest::mouseRelease(button, Qt::LeftButton, Qt::NoModifier, Inside);
+
+    QCOMPARE(pressed.count(), 0);
+    QCOMPARE(released.count(), 0);
+}
+
+void tst_FancyButtonEvents::releasesAtAPoint_data()
+{
+    QTest::addColumn<QPointF>("position");
+    QTest::addColumn<int>("clicks");
+
+    const qreal width = ButtonSize.width();
+    const qreal height = ButtonSize.height();
+    QTest::newRow("middle") << QPointF(30, 15) << 1;
+    QTest::newRow("first pixel") << QPointF(0, 0) << 1;
+    QTest::newRow("last pixel") << QPointF(width - 1, height - 1) << 1;
+    QTest::newRow("left of it") << QPointF(-1, 15) << 0;
+    QTest::newRow("above it") << QPointF(30, -1) << 0;
+    QTest::newRow("right of it") << QPointF(width, 15) << 0;
+    QTest::newRow("below it") << QPointF(30, height) << 0;
+    QTest::newRow("rounded to the first pixel") << QPointF(-0.4, -0.4) << 1;
+    QTest::newRow("rounded out at the left") << QPointF(-0.6, 15) << 0;
+    QTest::newRow("rounded to the last pixel") << QPointF(width - 0.6, height - 0.6) << 1;
+    QTest::newRow("rounded out at the right") << QPointF(width - 0.4, 15) << 0;
+}
+
+void tst_FancyButtonEvents::releasesAtAPoint()
+{
+    QFETCH(QPointF, position);
+    QFETCH(int, clicks);
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+    button->setCheckable(true);
+    QTest::mousePress(button, Qt::LeftButton, Qt::NoModifier, Inside);
+    QTRY_COMPARE(centre(), PressRgb);
+
+    QMouseEvent release(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QCoreApplication::sendEvent(button, &release);
+
+    QCOMPARE(clicked.count(), clicks);
+    if (clicks > 0)
+        QCOMPARE(clicked.first(), QVariantList {false});
+    QVERIFY(!button->isChecked());
+    QVERIFY(!data().m_bMousePress);
+    QTRY_COMPARE(centre(), NormalRgb);
+}
+
+void tst_FancyButtonEvents::releaseWithoutAPressClicks()
+{
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+
+    QTest::mousePress(window.data(), Qt::LeftButton, Qt::NoModifier, Aside);
+    QTest::mouseRelease(button, Qt::LeftButton, Qt::NoModifier, Inside);
+
+    QCOMPARE(clicked.count(), 1);
+}
+
+void tst_FancyButtonEvents::otherButtonsReleaseNothing_data()
+{
+    QTest::addColumn<Qt::MouseButton>("mouseButton");
+    QTest::addColumn<bool>("enabled");
+
+    QTest::newRow("right") << Qt::RightButton << true;
+    QTest::newRow("middle") << Qt::MiddleButton << true;
+    QTest::newRow("left, disabled") << Qt::LeftButton << false;
+}
+
+void tst_FancyButtonEvents::otherButtonsReleaseNothing()
+{
+    QFETCH(Qt::MouseButton, mouseButton);
+    QFETCH(bool, enabled);
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+    button->select(true);
+    button->setEnabled(enabled);
+
+    QTest::mouseRelease(button, mouseButton, Qt::NoModifier, Inside);
+
+    QVERIFY(data().m_bMousePress);
+    QCOMPARE(clicked.count(), 0);
+}
+
+void tst_FancyButtonEvents::doubleClicksWithTheLeftButtonOnly_data()
+{
+    pressesWithTheLeftButtonOnly_data();
+}
+
+void tst_FancyButtonEvents::doubleClicksWithTheLeftButtonOnly()
+{
+    QFETCH(Qt::MouseButton, mouseButton);
+    QFETCH(bool, enabled);
+    QFETCH(bool, acts);
+    const QSignalSpy doubleClicked(button, &FancyButton::doubleClicked);
+    button->setEnabled(enabled);
+
+    QMouseEvent event(QEvent::MouseButtonDblClick, Inside, mouseButton, mouseButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(button, &event);
+
+    QCOMPARE(doubleClicked.count(), acts ? 1 : 0);
+    QVERIFY(!data().m_bMousePress);
+}
+
+void tst_FancyButtonEvents::menuIsTriggeredByThePress_data()
+{
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<bool>("actionMenu");
+
+    QTest::newRow("by the flag") << true << false;
+    QTest::newRow("by the default action's menu") << false << true;
+    QTest::newRow("by both") << true << true;
+}
+
+void tst_FancyButtonEvents::menuIsTriggeredByThePress()
+{
+    QFETCH(bool, flag);
+    QFETCH(bool, actionMenu);
+    QMenu menu;
+    menu.addAction(QStringLiteral("entry"));
+    QAction action(QStringLiteral("action"));
+    if (actionMenu) {
+        action.setMenu(&menu);
+        button->setDefaultAction(&action);
+    }
+    button->setHasMenu(flag);
+    const QMouseEvent *received = nullptr;
+    int count = 0;
+    bool pressedMeanwhile = false;
+    connect(button, &FancyButton::menuTriggered, this, [&](QMouseEvent *event) {
+        received = event;
+        ++count;
+        pressedMeanwhile = data().m_bMousePress;
+    });
+
+    QMouseEvent press(QEvent::MouseButtonPress, Inside, Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(button, &press);
+
+    QCOMPARE(count, 1);
+    QCOMPARE(received, &press);
+    QVERIFY(pressedMeanwhile);
+    QVERIFY(!menu.isVisible());
+    QVERIFY(!QApplication::activePopupWidget());
+    QVERIFY(!button->isDown());
+}
+
+void tst_FancyButtonEvents::menuIsNotTriggered_data()
+{
+    QTest::addColumn<Qt::MouseButton>("mouseButton");
+    QTest::addColumn<bool>("enabled");
+    QTest::addColumn<bool>("flag");
+
+    QTest::newRow("without a menu") << Qt::LeftButton << true << false;
+    QTest::newRow("by the right button") << Qt::RightButton << true << true;
+    QTest::newRow("on a disabled button") << Qt::LeftButton << false << true;
+}
+
+void tst_FancyButtonEvents::menuIsNotTriggered()
+{
+    QFETCH(Qt::MouseButton, mouseButton);
+    QFETCH(bool, enabled);
+    QFETCH(bool, flag);
+    QAction action(QStringLiteral("action"));
+    button->setDefaultAction(&action);
+    button->setHasMenu(flag);
+    button->setEnabled(enabled);
+    const QSignalSpy menuTriggered(button, &FancyButton::menuTriggered);
+
+    QTest::mousePress(button, mouseButton, Qt::NoModifier, Inside);
+
+    QCOMPARE(menuTriggered.count(), 0);
+}
+
+void tst_FancyButtonEvents::mayBeDestroyedWhileItsMenuIsTriggered()
+{
+    struct Opener : FancyButton
+    {
+        using FancyButton::FancyButton;
+        using FancyButton::mousePressEvent;
+    };
+    auto *opener = new Opener(nullptr);
+    opener->setHasMenu(true);
+    bool destroyed = false;
+    connect(opener, &FancyButton::menuTriggered, this, [&] {
+        delete opener;
+        destroyed = true;
+    });
+
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(1, 1), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    opener->mousePressEvent(&press);
+
+    QVERIFY(destroyed);
+}
+
+QTEST_MAIN(tst_FancyButtonEvents)
+#include "tst_FancyButtonEvents.moc"

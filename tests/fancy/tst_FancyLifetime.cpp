@@ -1,0 +1,350 @@
+#include "tests/fancy/privates.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+/*
+    Bar, window, title bar and buttons in every order of destruction. The sanitizers watch for leaks
+    and dangling pointers; the tests use what is left.
+*/
+
+class tst_FancyLifetime : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void everyOrderIsSafe_data();
+    void everyOrderIsSafe();
+    void titleBarForgetsItsWindow();
+    void titleBarForgetsWhatGoesWithTheBar();
+    void titleBarForgetsItsMenuAndTitleWidget();
+    void titleBarKeepsALaterTitleWidget();
+    void buttonsOutliveTheTitleBar();
+    void barForgetsTheTitleBar();
+    void barForgetsItsRows();
+    void barForgetsItsButtons();
+    void barForgetsTheButtonOfTheOpenMenu();
+    void buttonOutlivesItsAction();
+    void unplacedThingsGoWithTheBar();
+    void placedThingsGoWithTheirPlace();
+    void nothingLeaksWithoutParents();
+    void privatePartAloneCleansUp();
+
+private:
+    void useWhatIsLeft();
+
+    QPointer<QWidget> window;
+    QPointer<FancyBar> bar;
+    QPointer<FancyTitleBar> titleBar;
+    QPointer<QWidget> group;
+    QScopedPointer<QMenu> menu;
+    QScopedPointer<QAction> action;
+};
+
+void tst_FancyLifetime::init()
+{
+    menu.reset(new QMenu);
+    menu->addAction(QStringLiteral("Entry"));
+    action.reset(new QAction(QStringLiteral("Action")));
+    action->setMenu(menu.data());
+
+    window = new QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint);
+    bar = new FancyBar(window);
+    titleBar = bar->titleBar();
+    group = titleBar->systemGroup();
+    auto *layout = new QVBoxLayout(window);
+    layout->addWidget(bar);
+    bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 0);
+    bar->addAdditionalControl(action.data(), FancyBar::MenuPosition, 0);
+    connect(titleBar.data(), &FancyTitleBar::closeClicked, window.data(), &QWidget::close);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+}
+
+void tst_FancyLifetime::cleanup()
+{
+    delete bar;
+    delete titleBar;
+    delete window;
+    delete group;
+    menu.reset();
+    action.reset();
+}
+
+// Everything that a program could still call.
+void tst_FancyLifetime::useWhatIsLeft()
+{
+    QIcon icon;
+    if (bar) {
+        bar->updateWidgetFlags();
+        bar->setWidgetResizable(true);
+        bar->setTitleBarHeight(40);
+        bar->setTextColor(Qt::red);
+        BarData::of(*bar)->showQuickAccessBar(true);
+        BarData::of(*bar)->aboutToShowMenu();
+        BarData::of(*bar)->aboutToHideMenu();
+        QVERIFY(!bar->grab().isNull());
+    }
+    if (titleBar) {
+        FancyTitleBarPrivate *d = TitleBarData::of(*titleBar);
+        titleBar->setNormalIcon(icon);
+        titleBar->setCloseIcon(icon);
+        titleBar->updateWidgetFlags();
+        d->setIconDark(false);
+        d->windowStateChange(nullptr);
+        d->maximizeWidget(d->m_mainWidget);
+        d->restoreWidget(d->m_mainWidget);
+        d->slotSysButtonClicked();
+        d->m_restoreAction->trigger();
+        d->m_closeAction->trigger();
+    }
+    if (window)
+        window->setWindowState(Qt::WindowMaximized);
+    if (group) {
+        const auto buttons = group->findChildren<FancyButton *>();
+        for (FancyButton *button : buttons)
+            QTest::mouseClick(button, Qt::LeftButton);
+    }
+}
+
+void tst_FancyLifetime::everyOrderIsSafe_data()
+{
+    QTest::addColumn<QString>("order");
+
+    // b: bar, t: title bar, w: window, g: group of the system buttons; detached first or not.
+    QString order = QStringLiteral("bgtw");
+    do {
+        QTest::newRow(qPrintable(order)) << order;
+        QTest::newRow(qPrintable(QLatin1Char('-') + order)) << QLatin1Char('-') + order;
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+void tst_FancyLifetime::everyOrderIsSafe()
+{
+    QFETCH(QString, order);
+    for (const QChar step : qAsConst(order)) {
+        switch (step.toLatin1()) {
+        case '-':
+            bar->setParent(nullptr);
+            titleBar->setParent(nullptr);
+            group->setParent(nullptr);
+            break;
+        case 'b':
+            delete bar;
+            break;
+        case 't':
+            delete titleBar;
+            break;
+        case 'w':
+            delete window;
+            break;
+        default:
+            delete group;
+        }
+        useWhatIsLeft();
+    }
+    QVERIFY(!bar && !titleBar && !window && !group);
+}
+
+void tst_FancyLifetime::titleBarForgetsItsWindow()
+{
+    titleBar->setParent(nullptr);
+
+    delete window;
+
+    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
+    QVERIFY(!titleBar->mainWidget());
+    QVERIFY(!titleBar->systemGroup());
+    QVERIFY(!d.m_titleWidget && !d.m_menu);
+    QVERIFY(!d.m_minimizeButton && !d.m_maximizeButton && !d.m_closeButton);
+}
+
+void tst_FancyLifetime::titleBarForgetsWhatGoesWithTheBar()
+{
+    delete bar;
+
+    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
+    QVERIFY(!titleBar->systemGroup());
+    QVERIFY(!d.m_titleWidget);
+    QVERIFY(!d.m_minimizeButton && !d.m_maximizeButton && !d.m_closeButton);
+    QVERIFY(d.m_menu);
+    QCOMPARE(titleBar->mainWidget(), window.data());
+}
+
+void tst_FancyLifetime::titleBarForgetsItsMenuAndTitleWidget()
+{
+    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
+    auto *strip = new QWidget;
+    titleBar->setTitleWidget(strip);
+
+    delete strip;
+    delete d.m_menu;
+
+    QVERIFY(!d.m_titleWidget);
+    QVERIFY(!d.m_menu);
+    QVERIFY(d.m_closeAction);
+}
+
+void tst_FancyLifetime::titleBarKeepsALaterTitleWidget()
+{
+    QWidget later;
+    auto *strip = new QWidget;
+    titleBar->setTitleWidget(strip);
+    titleBar->setTitleWidget(&later);
+
+    delete strip;
+
+    QCOMPARE(TitleBarData::of(*titleBar)->m_titleWidget, &later);
+}
+
+void tst_FancyLifetime::buttonsOutliveTheTitleBar()
+{
+    FancyButton *close = TitleBarData::of(*titleBar)->m_closeButton;
+    QMenu *systemMenu = TitleBarData::of(*titleBar)->m_menu;
+
+    delete titleBar;
+    QTest::mouseClick(close, Qt::LeftButton);
+    close->setToolTip(QStringLiteral("other"));
+
+    QVERIFY(window->isVisible());
+    QCOMPARE(systemMenu->actions().size(), 1);
+    QVERIFY(systemMenu->actions().first()->isSeparator());
+}
+
+void tst_FancyLifetime::barForgetsTheTitleBar()
+{
+    delete titleBar;
+
+    QVERIFY(!bar->titleBar());
+    QVERIFY(!BarData::of(*bar)->m_titleBar);
+    QCOMPARE(BarData::of(*bar)->m_systemGroup, group.data());
+}
+
+void tst_FancyLifetime::barForgetsItsRows()
+{
+    FancyBarPrivate &d = *BarData::of(*bar);
+    d.createMenuWidget();
+
+    delete d.m_titleWidget;
+    QVERIFY(!d.m_titleWidget && !d.m_leftSpacerItem && !d.m_titleAdditionalControlArea);
+    QVERIFY(!d.m_systemGroup);
+    delete d.m_menuWidget;
+    QVERIFY(!d.m_menuWidget && !d.m_middleSpacerItem && !d.m_menuAdditionalControlArea);
+    QVERIFY(!d.m_appButtonLayout && !d.m_menuBarArea);
+    useWhatIsLeft();
+}
+
+void tst_FancyLifetime::barForgetsItsButtons()
+{
+    FancyBarPrivate &d = *BarData::of(*bar);
+    QCOMPARE(d.m_additionalButtons.size(), 2);
+    FancyButton *second = d.m_additionalButtons.at(1);
+
+    delete d.m_additionalButtons.at(0);
+
+    QCOMPARE(d.m_additionalButtons, QList<FancyButton *>({second}));
+}
+
+void tst_FancyLifetime::barForgetsTheButtonOfTheOpenMenu()
+{
+    FancyBarPrivate &d = *BarData::of(*bar);
+    FancyButton *button = d.m_additionalButtons.at(0);
+    QTest::mousePress(button, Qt::LeftButton);
+    QTRY_VERIFY(menu->isVisible());
+    QCOMPARE(d.m_menuButton, button);
+
+    delete button;
+    QVERIFY(!d.m_menuButton);
+    menu->hide();
+
+    QVERIFY(!menu->isVisible());
+}
+
+void tst_FancyLifetime::buttonOutlivesItsAction()
+{
+    FancyButton *button = BarData::of(*bar)->m_additionalButtons.at(0);
+
+    action.reset();
+    QVERIFY(!button->defaultAction());
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    QVERIFY(!BarData::of(*bar)->m_menuButton);
+}
+
+void tst_FancyLifetime::unplacedThingsGoWithTheBar()
+{
+    FancyBarPrivate &d = *BarData::of(*bar);
+    d.createMenuWidget();
+    const QPointer<FancyButton> unplaced = d.m_additionalButtons.at(1);
+    const QPointer<QWidget> menuRow = d.m_menuWidget;
+    const QPointer<QHBoxLayout> logo = d.m_logoLayout;
+    QVERIFY(!unplaced->parent());
+
+    delete bar;
+
+    QVERIFY(!unplaced);
+    QVERIFY(!menuRow);
+    QVERIFY(!logo);
+}
+
+void tst_FancyLifetime::placedThingsGoWithTheirPlace()
+{
+    FancyBarPrivate &d = *BarData::of(*bar);
+    d.createMenuWidget();
+    const QPointer<FancyButton> placed = d.m_additionalButtons.at(1);
+    const QPointer<QWidget> menuRow = d.m_menuWidget;
+    window->layout()->addWidget(placed);
+    window->layout()->addWidget(menuRow);
+
+    delete bar;
+    QVERIFY(placed);
+    QVERIFY(menuRow);
+
+    QTest::mouseClick(placed.data(), Qt::LeftButton);
+    delete window;
+    QVERIFY(!placed);
+    QVERIFY(!menuRow);
+}
+
+void tst_FancyLifetime::nothingLeaksWithoutParents()
+{
+    auto *alone = new FancyBar(nullptr);
+    const QPointer<FancyTitleBar> inert = alone->titleBar();
+    BarData::of(*alone)->createMenuWidget();
+    const FancyTitleBar inertOnStack(nullptr);
+    const FancyButton button(nullptr);
+    QVERIFY(inert);
+
+    delete alone;
+
+    QVERIFY(!inert);
+    QVERIFY(!inertOnStack.systemGroup());
+}
+
+void tst_FancyLifetime::privatePartAloneCleansUp()
+{
+    QPointer<FancyTitleBar> inert;
+    QPointer<QWidget> row;
+    {
+        FancyBarPrivate d;
+        d.registerWidget(nullptr);
+        d.createTitleWidget();
+        inert = d.m_titleBar;
+        row = d.m_titleWidget;
+        QVERIFY(inert && row);
+    }
+
+    QVERIFY(!inert);
+    QVERIFY(!row);
+}
+
+QTEST_MAIN(tst_FancyLifetime)
+#include "tst_FancyLifetime.moc"

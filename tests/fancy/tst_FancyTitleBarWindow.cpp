@@ -1,0 +1,405 @@
+#include "tests/fancy/privates.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QTest>
+
+/*
+    The title bar together with a window that is really shown, under a window manager.
+*/
+
+namespace {
+// Shows the window's state changes that its own handler gets to see.
+class Window : public QWidget
+{
+public:
+    explicit Window(Qt::WindowFlags flags)
+        : QWidget(nullptr, flags)
+    {
+    }
+    int stateChanges = 0;
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        stateChanges += event->type() == QEvent::WindowStateChange;
+        QWidget::changeEvent(event);
+    }
+};
+
+constexpr Qt::WindowFlags Frameless = Qt::Window | Qt::FramelessWindowHint;
+constexpr Qt::WindowFlags WithBoth =
+        Frameless | Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint;
+} // namespace
+
+class tst_FancyTitleBarWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void showsTheButtonsOfTheFlags_data();
+    void showsTheButtonsOfTheFlags();
+    void flagsAreReadOnRequestOnly();
+    void flagsNeedAllButtons();
+    void swallowsTheStateChange();
+    void passesOtherEventsOn();
+    void facesFollowTheState_data();
+    void facesFollowTheState();
+    void facesChangeInOrder();
+    void stateChangeNeedsItsParts();
+    void buttonsCommandTheWindow();
+    void menuCommandsTheWindow();
+    void closeOnlyAsks();
+    void strangersClickNothing();
+    void widgetOperationsEmitResizable();
+    void systemMenuOpensAtTheButtonsCorner();
+    void systemMenuStaysClosed();
+
+private:
+    void create(Qt::WindowFlags flags);
+    FancyTitleBarPrivate &data() const { return *TitleBarData::of(*bar); }
+
+    QScopedPointer<Window> window;
+    FancyTitleBar *bar = nullptr;
+};
+
+void tst_FancyTitleBarWindow::create(Qt::WindowFlags flags)
+{
+    window.reset(new Window(flags));
+    bar = new FancyTitleBar(window.data());
+    auto *row = new QHBoxLayout(window.data());
+    row->addStretch();
+    row->addWidget(bar->systemGroup());
+    window->resize(400, 100);
+    window->move(50, 60);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+}
+
+void tst_FancyTitleBarWindow::cleanup()
+{
+    window.reset();
+}
+
+void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags_data()
+{
+    QTest::addColumn<Qt::WindowFlags>("flags");
+    QTest::addColumn<bool>("minimize");
+    QTest::addColumn<bool>("maximize");
+
+    QTest::newRow("none") << Frameless << false << false;
+    QTest::newRow("minimize") << (Frameless | Qt::WindowMinimizeButtonHint) << true << false;
+    QTest::newRow("maximize") << (Frameless | Qt::WindowMaximizeButtonHint) << false << true;
+    QTest::newRow("both") << WithBoth << true << true;
+}
+
+void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags()
+{
+    QFETCH(Qt::WindowFlags, flags);
+    QFETCH(bool, minimize);
+    QFETCH(bool, maximize);
+    create(flags);
+    QVERIFY(!data().m_minimizeButton->isVisible());
+    QVERIFY(!data().m_maximizeButton->isVisible());
+    QVERIFY(data().m_closeButton->isVisible());
+    QVERIFY(data().m_restoreAction->isEnabled());
+
+    bar->updateWidgetFlags();
+
+    QCOMPARE(data().m_minimizeButton->isVisible(), minimize);
+    QCOMPARE(data().m_maximizeButton->isVisible(), maximize);
+    QVERIFY(data().m_closeButton->isVisible());
+    QCOMPARE(data().m_minimizeAction->isEnabled(), minimize);
+    QCOMPARE(data().m_maximizeAction->isEnabled(), maximize);
+    QCOMPARE(data().m_restoreAction->isEnabled(), false);
+    QCOMPARE(data().m_bWidgetMaximizable, maximize);
+}
+
+void tst_FancyTitleBarWindow::flagsAreReadOnRequestOnly()
+{
+    create(Frameless);
+    window->setWindowFlags(WithBoth);
+    QVERIFY(!data().m_windowFlags.testFlag(Qt::WindowMaximizeButtonHint));
+
+    bar->updateWidgetFlags();
+    QCOMPARE(data().m_windowFlags, window->windowFlags());
+    QVERIFY(!data().m_maximizeButton->isHidden());
+
+    window->setWindowFlags(Frameless);
+    bar->updateWidgetFlags();
+    QVERIFY(data().m_maximizeButton->isHidden());
+    QVERIFY(data().m_minimizeButton->isHidden());
+    QVERIFY(!data().m_bWidgetMaximizable);
+}
+
+void tst_FancyTitleBarWindow::flagsNeedAllButtons()
+{
+    create(WithBoth);
+    delete data().m_minimizeButton;
+
+    bar->updateWidgetFlags();
+
+    QVERIFY(data().m_maximizeButton->isHidden());
+    QVERIFY(!data().m_bWidgetMaximizable);
+}
+
+void tst_FancyTitleBarWindow::swallowsTheStateChange()
+{
+    create(WithBoth);
+    QVERIFY(!data().m_maximizeButton->property("maximizeProperty").isValid());
+
+    window->showMaximized();
+    QTRY_COMPARE(data().m_maximizeButton->property("maximizeProperty"), QVariant("restore"));
+    window->showNormal();
+    QTRY_COMPARE(data().m_maximizeButton->property("maximizeProperty"), QVariant("maximize"));
+
+    QCOMPARE(window->stateChanges, 0);
+}
+
+void tst_FancyTitleBarWindow::passesOtherEventsOn()
+{
+    create(WithBoth);
+    QEvent change(QEvent::WindowStateChange);
+    QEvent other(QEvent::WindowTitleChange);
+
+    QVERIFY(bar->eventFilter(window.data(), &change));
+    QVERIFY(!bar->eventFilter(window.data(), &other));
+    QVERIFY(!bar->eventFilter(window.data(), nullptr));
+}
+
+void tst_FancyTitleBarWindow::facesFollowTheState_data()
+{
+    QTest::addColumn<Qt::WindowFlags>("flags");
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<bool>("maximized");
+    QTest::addColumn<bool>("canMaximize");
+    QTest::addColumn<bool>("canRestore");
+
+    QTest::newRow("maximized, dark") << WithBoth << true << true << false << true;
+    QTest::newRow("maximized, light") << WithBoth << false << true << false << true;
+    QTest::newRow("normal, dark") << WithBoth << true << false << true << false;
+    QTest::newRow("normal, light") << WithBoth << false << false << true << false;
+    QTest::newRow("maximized, no hint") << Frameless << true << true << false << false;
+    QTest::newRow("normal, no hint") << Frameless << true << false << false << false;
+}
+
+void tst_FancyTitleBarWindow::facesFollowTheState()
+{
+    QFETCH(Qt::WindowFlags, flags);
+    QFETCH(bool, dark);
+    QFETCH(bool, maximized);
+    QFETCH(bool, canMaximize);
+    QFETCH(bool, canRestore);
+    create(flags);
+    FancyTitleBarPrivate &d = data();
+    bar->setIconDark(dark);
+
+    window->setWindowState(Qt::WindowMaximized);
+    if (!maximized)
+        window->setWindowState(Qt::WindowNoState);
+
+    QCOMPARE(d.m_maximizeButton->toolTip(),
+             maximized ? QStringLiteral("还原") : QStringLiteral("最大化"));
+    QCOMPARE(d.m_maximizeButton->property("maximizeProperty"),
+             QVariant(maximized ? "restore" : "maximize"));
+    QCOMPARE(d.m_maximizeButton->icon().cacheKey(),
+             (maximized ? d.m_normalIcon : d.m_maximizeIcon)[dark].cacheKey());
+    QCOMPARE(d.m_maximizeAction->isEnabled(), canMaximize);
+    QCOMPARE(d.m_restoreAction->isEnabled(), canRestore);
+    QVERIFY(d.m_maximizeButton->isHidden());
+    QCOMPARE(d.m_closeButton->toolTip(), QStringLiteral("关闭"));
+}
+
+void tst_FancyTitleBarWindow::facesChangeInOrder()
+{
+    struct Recorder : QObject
+    {
+        QVector<QEvent::Type> changes;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::ToolTipChange
+                || event->type() == QEvent::DynamicPropertyChange)
+                changes << event->type();
+            return false;
+        }
+    } recorder;
+    create(WithBoth);
+    data().m_maximizeButton->installEventFilter(&recorder);
+
+    window->setWindowState(Qt::WindowMaximized);
+    window->setWindowState(Qt::WindowNoState);
+
+    QCOMPARE(recorder.changes,
+             QVector<QEvent::Type>({QEvent::ToolTipChange, QEvent::DynamicPropertyChange,
+                                    QEvent::DynamicPropertyChange, QEvent::ToolTipChange}));
+}
+
+void tst_FancyTitleBarWindow::stateChangeNeedsItsParts()
+{
+    create(WithBoth);
+    delete data().m_maximizeButton;
+
+    window->setWindowState(Qt::WindowMaximized);
+
+    QVERIFY(data().m_maximizeAction->isEnabled());
+    QCOMPARE(window->stateChanges, 0);
+}
+
+void tst_FancyTitleBarWindow::buttonsCommandTheWindow()
+{
+    create(WithBoth);
+    bar->updateWidgetFlags();
+
+    QTest::mouseClick(data().m_maximizeButton, Qt::LeftButton);
+    QVERIFY(window->isMaximized());
+    QTRY_COMPARE(window->geometry(), QRect(0, 0, 1920, 1080));
+    QTest::mouseClick(data().m_maximizeButton, Qt::LeftButton);
+    QVERIFY(!window->isMaximized());
+    QTRY_COMPARE(window->size(), QSize(400, 100));
+
+    QTest::mouseClick(data().m_minimizeButton, Qt::LeftButton);
+    QTRY_VERIFY(window->isMinimized());
+    QCOMPARE(window->stateChanges, 0);
+}
+
+void tst_FancyTitleBarWindow::menuCommandsTheWindow()
+{
+    create(WithBoth);
+    const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
+    const QSignalSpy clicked(data().m_maximizeButton, &FancyButton::clicked);
+
+    // Without a state change so far, restoring is possible and deliberately does the contrary.
+    data().m_restoreAction->trigger();
+    QVERIFY(window->isMaximized());
+    QCOMPARE(clicked.count(), 1);
+    data().m_restoreAction->trigger();
+    QVERIFY(!window->isMaximized());
+    QCOMPARE(clicked.count(), 2);
+    data().m_maximizeAction->trigger();
+    QVERIFY(window->isMaximized());
+    QCOMPARE(clicked.count(), 3);
+
+    data().m_closeAction->trigger();
+    QCOMPARE(closeClicked.count(), 1);
+    data().m_minimizeAction->trigger();
+    QTRY_VERIFY(window->isMinimized());
+}
+
+void tst_FancyTitleBarWindow::closeOnlyAsks()
+{
+    create(WithBoth);
+    const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
+
+    QTest::mouseClick(data().m_closeButton, Qt::LeftButton);
+    QCOMPARE(closeClicked.count(), 1);
+    QVERIFY(window->isVisible());
+
+    connect(bar, &FancyTitleBar::closeClicked, window.data(), &QWidget::close);
+    QTest::mouseClick(data().m_closeButton, Qt::LeftButton);
+    QVERIFY(!window->isVisible());
+
+    data().q = nullptr;
+    QTest::mouseClick(data().m_closeButton, Qt::LeftButton);
+    QCOMPARE(closeClicked.count(), 2);
+    data().q = bar;
+}
+
+void tst_FancyTitleBarWindow::strangersClickNothing()
+{
+    create(WithBoth);
+    const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
+    FancyButton other(nullptr);
+    connect(&other, &FancyButton::clicked, &data(), &FancyTitleBarPrivate::slotSysButtonClicked);
+    QToolButton plain;
+    connect(&plain, &QToolButton::clicked, &data(), &FancyTitleBarPrivate::slotSysButtonClicked);
+
+    QTest::mouseClick(&other, Qt::LeftButton);
+    plain.click();
+    delete data().m_minimizeButton;
+    data().slotSysButtonClicked();
+    plain.click();
+
+    QVERIFY(!window->isMinimized());
+    QVERIFY(!window->isMaximized());
+    QCOMPARE(closeClicked.count(), 0);
+}
+
+void tst_FancyTitleBarWindow::widgetOperationsEmitResizable()
+{
+    create(WithBoth);
+    const QSignalSpy resizable(bar, &FancyTitleBar::windowResizable);
+    data().maximize();
+    data().restore();
+    QCOMPARE(resizable.count(), 0);
+
+    bool maximizedMeanwhile = false;
+    connect(bar, &FancyTitleBar::windowResizable, this,
+            [&] { maximizedMeanwhile = window->isMaximized(); });
+    data().maximizeWidget(window.data());
+    QVERIFY(window->isMaximized());
+    QVERIFY(maximizedMeanwhile);
+    QCOMPARE(resizable.count(), 1);
+    QCOMPARE(resizable.last(), QVariantList {false});
+
+    data().restoreWidget(window.data());
+    QVERIFY(!window->isMaximized());
+    QVERIFY(!maximizedMeanwhile);
+    QCOMPARE(resizable.count(), 2);
+    QCOMPARE(resizable.last(), QVariantList {true});
+
+    data().maximizeWidget(nullptr);
+    data().restoreWidget(nullptr);
+    QCOMPARE(resizable.count(), 2);
+}
+
+void tst_FancyTitleBarWindow::systemMenuOpensAtTheButtonsCorner()
+{
+    create(WithBoth);
+    FancyButton opener(window.data());
+    opener.setHasMenu(true);
+    opener.setGeometry(20, 10, 40, 25);
+    opener.show();
+    connect(&opener, &FancyButton::menuTriggered, &data(),
+            &FancyTitleBarPrivate::systemMenuTriggered);
+
+    QTest::mousePress(&opener, Qt::LeftButton, Qt::NoModifier, QPoint(7, 9));
+
+    QTRY_VERIFY(data().m_menu->isVisible());
+    QCOMPARE(data().m_menu->pos(), opener.mapToGlobal(QPoint(0, 25)));
+    data().m_menu->hide();
+
+    // Coordinates are rounded one by one: 30 - 3 and 41 - 2, and the height beneath.
+    QMouseEvent fractions(QEvent::MouseButtonPress, QPointF(2.6, 2.4), QPointF(2.6, 2.4),
+                          QPointF(30.4, 40.5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&opener, &fractions);
+    QTRY_VERIFY(data().m_menu->isVisible());
+    QCOMPARE(data().m_menu->pos(), QPoint(27, 39 + 25));
+    data().m_menu->hide();
+}
+
+void tst_FancyTitleBarWindow::systemMenuStaysClosed()
+{
+    create(WithBoth);
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(1, 1), Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    data().systemMenuTriggered(&press);
+    data().systemMenuTriggered(nullptr);
+    QVERIFY(!data().m_menu->isVisible());
+
+    FancyButton opener(window.data());
+    connect(&opener, &FancyButton::menuTriggered, &data(),
+            &FancyTitleBarPrivate::systemMenuTriggered);
+    emit opener.menuTriggered(nullptr);
+    QVERIFY(!data().m_menu->isVisible());
+    delete data().m_menu;
+    emit opener.menuTriggered(&press);
+    QVERIFY(!QApplication::activePopupWidget());
+}
+
+QTEST_MAIN(tst_FancyTitleBarWindow)
+#include "tst_FancyTitleBarWindow.moc"

@@ -1,0 +1,323 @@
+#include "fancy/FancyBar.h"
+#include "fancy/FancyBar_p.h"
+#include "fancy/FancyTitleBar.h"
+#include "overview/OverviewForm.h"
+#include "settings/SettingsForm.h"
+#include "shell/ServiceContainer.h"
+#include "shell/TabTitle.h"
+#include "tests/support/LayoutDump.h"
+#include "tests/support/PrivateMember.h"
+#include "tests/support/ShimFolder.h"
+#include "ui_ServiceContainer.h"
+
+#include <QWKWidgets/widgetwindowagent.h>
+
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTest>
+#include <QToolButton>
+#include <QTranslator>
+#include <QWindow>
+
+#include <memory>
+
+struct BarPrivate : PrivateMember<BarPrivate, FancyBarPrivate *, FancyBar>
+{
+};
+template struct ExposePrivateMember<BarPrivate, &FancyBar::d>;
+
+namespace {
+
+//! Answers every text with its context, to see what the window asks for.
+class AskingTranslator : public QTranslator
+{
+public:
+    QString translate(const char *context, const char *sourceText, const char *disambiguation,
+                      int /*n*/) const override
+    {
+        return QStringLiteral("%1|%2|%3")
+                .arg(QString::fromUtf8(context), QString::fromUtf8(sourceText),
+                     QString::fromUtf8(disambiguation));
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
+
+class tst_ServiceContainer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void form();
+    void keepsAGivenName();
+    void title();
+    void flags();
+    void size();
+    void layout();
+    void strip();
+    void header();
+    void pages();
+    void agent();
+    void draggableArea();
+    void tabsStayHidden();
+    void shownTabsChooseThePage();
+    void onTabIndexChanged();
+    void closeButtonClosesTheWindow();
+    void stripIsPaintedInItsColours();
+    void isDestroyedWhole();
+
+private:
+    void show();
+
+    std::unique_ptr<ShimFolder> m_shims;
+    std::unique_ptr<ServiceContainer> m_window;
+};
+
+void tst_ServiceContainer::init()
+{
+    m_shims = std::make_unique<ShimFolder>();
+    m_shims->addPrinting(QStringLiteral("pgrep"), "");
+    m_window = std::make_unique<ServiceContainer>();
+}
+
+void tst_ServiceContainer::cleanup()
+{
+    m_window.reset();
+    m_shims.reset();
+}
+
+void tst_ServiceContainer::show()
+{
+    m_window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+}
+
+void tst_ServiceContainer::form()
+{
+    QCOMPARE(m_window->objectName(), QStringLiteral("ServiceContainer"));
+    QCOMPARE(m_window->styleSheet(),
+             QStringLiteral("#ServiceContainer{background-color:white;border:1px solid black;}"));
+    QCOMPARE(m_window->parent(), nullptr);
+
+    const QMetaObject &meta = ServiceContainer::staticMetaObject;
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
+    QCOMPARE(meta.method(meta.methodOffset()).methodSignature(),
+             QByteArray("onTabIndexChanged(int)"));
+    QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Slot);
+}
+
+void tst_ServiceContainer::keepsAGivenName()
+{
+    QWidget form;
+    form.setObjectName(QStringLiteral("mine"));
+    Ui_ServiceContainer ui = {};
+    ui.setupUi(&form);
+    QCOMPARE(form.objectName(), QStringLiteral("mine"));
+}
+
+void tst_ServiceContainer::title()
+{
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("朔川统一服务"));
+
+    AskingTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const ServiceContainer window;
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(window.windowTitle(), QStringLiteral("ServiceContainer|朔川统一服务|"));
+}
+
+void tst_ServiceContainer::flags()
+{
+    QCOMPARE(m_window->windowFlags(), QWidget().windowFlags() | Qt::FramelessWindowHint);
+
+    QWidget parent;
+    const ServiceContainer child(&parent);
+    QCOMPARE(child.windowFlags(), QWidget(&parent).windowFlags() | Qt::FramelessWindowHint);
+}
+
+void tst_ServiceContainer::size()
+{
+    QCOMPARE(m_window->size(), QSize(800, 600));
+    QCOMPARE(m_window->minimumSize(), QSize(800, 600));
+    QCOMPARE(m_window->maximumSize(), QSize(800, 600));
+    QCOMPARE(m_window->sizePolicy(), QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed));
+}
+
+void tst_ServiceContainer::layout()
+{
+    QCOMPARE(dumpLayout(*m_window).section(QLatin1Char('\n'), 0, 1),
+             QStringLiteral("QVBoxLayout verticalLayout spacing 0 margins 0,0,0,0\n"
+                            "  FancyBar fancy_titlebar"));
+    QCOMPARE(m_window->layout()->count(), 2);
+    const auto *stack = qobject_cast<QStackedWidget *>(m_window->layout()->itemAt(1)->widget());
+    QVERIFY(stack);
+    QCOMPARE(stack->objectName(), QStringLiteral("stackedWidget"));
+    QCOMPARE(stack->parent(), m_window.get());
+    const auto *box = qobject_cast<QBoxLayout *>(m_window->layout());
+    QCOMPARE(box->stretch(0), 0);
+    QCOMPARE(box->stretch(1), 0);
+
+    show();
+    QCOMPARE(m_window->layout()->itemAt(0)->geometry(), QRect(0, 0, 800, 32));
+    QCOMPARE(stack->geometry(), QRect(0, 32, 800, 568));
+}
+
+void tst_ServiceContainer::strip()
+{
+    auto *bar = m_window->findChild<FancyBar *>();
+    QCOMPARE(bar->objectName(), QStringLiteral("fancy_titlebar"));
+    QCOMPARE(bar->parent(), m_window.get());
+    QCOMPARE(bar->minimumHeight(), 32);
+    QCOMPARE(bar->maximumHeight(), 32);
+    QCOMPARE(bar->palette().color(QPalette::Window), QColor(216, 217, 218, 255));
+    QVERIFY(bar->autoFillBackground());
+    QCOMPARE(BarPrivate::of(*bar)->m_menuTextColor, QColor(0, 0, 0, 255));
+    QCOMPARE(bar->titleBar()->mainWidget(), m_window.get());
+}
+
+void tst_ServiceContainer::header()
+{
+    auto *bar = m_window->findChild<FancyBar *>();
+    auto *tab = m_window->findChild<TabTitle *>();
+    const QHBoxLayout *area = BarPrivate::of(*bar)->m_titleAdditionalControlArea;
+    QCOMPARE(area->count(), 2);
+    QVERIFY(area->itemAt(0)->spacerItem());
+    QCOMPARE(area->itemAt(0)->sizeHint(), QSize(0, 0));
+    QCOMPARE(area->itemAt(1)->widget(), tab);
+
+    show();
+    QCOMPARE(tab->mapTo(m_window.get(), QPoint(0, 0)), QPoint(0, 0));
+    QCOMPARE(tab->size(), QSize(750 - 1, 32));
+}
+
+void tst_ServiceContainer::pages()
+{
+    const auto *stack = m_window->findChild<QStackedWidget *>(QStringLiteral("stackedWidget"));
+    QCOMPARE(stack->count(), 2);
+    QVERIFY(qobject_cast<OverviewForm *>(stack->widget(0)));
+    QVERIFY(qobject_cast<SettingsForm *>(stack->widget(1)));
+    QCOMPARE(stack->widget(0)->parent(), stack);
+    QCOMPARE(stack->widget(1)->parent(), stack);
+    QCOMPARE(stack->currentIndex(), 0);
+}
+
+void tst_ServiceContainer::agent()
+{
+    const auto agents = m_window->findChildren<QWK::WindowAgentBase *>();
+    QCOMPARE(agents.size(), 1);
+    QCOMPARE(agents.first()->parent(), m_window.get());
+    // It serves this window already.
+    QWidget other;
+    QVERIFY(!qobject_cast<QWK::WidgetWindowAgent *>(agents.first())->setup(&other));
+
+    show();
+    const bool inside = emit agents.first()->inTitleBarDraggableArea(QPoint(400, 16));
+    QVERIFY(inside);
+    const bool onThePage = emit agents.first()->inTitleBarDraggableArea(QPoint(400, 300));
+    QVERIFY(!onThePage);
+}
+
+void tst_ServiceContainer::draggableArea()
+{
+    show();
+    const QRect header = m_window->findChild<TabTitle *>()->rect();
+    const QRect tabs = m_window->findChild<QTabWidget *>()->rect();
+    QVERIFY(tabs.width() > 0 && tabs.width() < header.width());
+
+    // Each rectangle as it stands, at the window's corner.
+    for (int y = -1; y <= header.height(); ++y) {
+        for (int x = -1; x <= header.width(); ++x) {
+            const QPoint point(x, y);
+            const bool expected = x >= 0 && y >= 0 && x < header.width() && y < header.height()
+                                  && !(x < tabs.width() && y < tabs.height());
+            if (m_window->inTitleBarDraggableArea(point) != expected)
+                QFAIL(qPrintable(QStringLiteral("at %1, %2").arg(x).arg(y)));
+        }
+    }
+}
+
+void tst_ServiceContainer::tabsStayHidden()
+{
+    show();
+    const auto *tabs = m_window->findChild<QTabWidget *>();
+    QVERIFY(tabs->isHidden());
+    QVERIFY(!tabs->isVisible());
+}
+
+void tst_ServiceContainer::shownTabsChooseThePage()
+{
+    show();
+    m_window->findChild<TabTitle *>()->showTabWidget(true);
+    auto *bar = m_window->findChild<QTabBar *>();
+    QTRY_VERIFY(bar->isVisible());
+    const auto *stack = m_window->findChild<QStackedWidget *>(QStringLiteral("stackedWidget"));
+    QCOMPARE(bar->count(), 2);
+
+    for (const int index : {1, 0, 1}) {
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->tabRect(index).center());
+        QCOMPARE(stack->currentIndex(), index);
+        QVERIFY(stack->widget(index)->isVisible());
+        QVERIFY(!stack->widget(1 - index)->isVisible());
+    }
+}
+
+void tst_ServiceContainer::onTabIndexChanged()
+{
+    const auto *stack = m_window->findChild<QStackedWidget *>(QStringLiteral("stackedWidget"));
+    m_window->onTabIndexChanged(1);
+    QCOMPARE(stack->currentIndex(), 1);
+    m_window->onTabIndexChanged(0);
+    QCOMPARE(stack->currentIndex(), 0);
+    // There is no such page.
+    m_window->onTabIndexChanged(2);
+    QCOMPARE(stack->currentIndex(), 0);
+}
+
+void tst_ServiceContainer::closeButtonClosesTheWindow()
+{
+    show();
+    QToolButton *close = nullptr;
+    const auto buttons = m_window->findChildren<QToolButton *>();
+    for (QToolButton *button : buttons) {
+        if (button->isVisible() && button->toolTip() == QStringLiteral("关闭"))
+            close = button;
+    }
+    QVERIFY(close);
+    QCOMPARE(QRect(close->mapTo(m_window.get(), QPoint(0, 0)), close->size()),
+             QRect(750, 0, 50, 32));
+
+    QTest::mouseClick(close, Qt::LeftButton);
+    QVERIFY(!m_window->isVisible());
+}
+
+void tst_ServiceContainer::stripIsPaintedInItsColours()
+{
+    show();
+    const QImage image = m_window->grab().toImage();
+    QCOMPARE(image.pixelColor(400, 16), QColor(216, 217, 218));
+    QCOMPARE(image.pixelColor(760, 4), QColor(216, 217, 218));
+    QCOMPARE(image.pixelColor(799, 31), QColor(216, 217, 218));
+    QCOMPARE(image.pixelColor(3, 28), QColor(0x2b, 0x57, 0x9a));
+    QCOMPARE(image.pixelColor(400, 40), QColor(Qt::white));
+    QCOMPARE(image.pixelColor(400, 590), QColor(Qt::white));
+}
+
+void tst_ServiceContainer::isDestroyedWhole()
+{
+    show();
+    QList<QPointer<QObject>> objects;
+    const auto children = m_window->findChildren<QObject *>();
+    for (QObject *child : children)
+        objects.append(child);
+    m_window.reset();
+    for (const QPointer<QObject> &object : qAsConst(objects))
+        QVERIFY(object.isNull());
+}
+
+QTEST_MAIN(tst_ServiceContainer)
+#include "tst_ServiceContainer.moc"

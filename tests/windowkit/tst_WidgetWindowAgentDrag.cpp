@@ -1,0 +1,226 @@
+#include "tests/windowkit/AgentWindow.h"
+
+#include <QWKWidgets/widgetwindowagent.h>
+
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QTest>
+#include <QWindow>
+
+namespace {
+
+//! What happens to a window between its set-up and a drag.
+using Change = void (*)(Window &);
+
+} // namespace
+
+Q_DECLARE_METATYPE(Change)
+
+class tst_WidgetWindowAgentDrag : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+
+    void drags_data();
+    void drags();
+    void followsEachMotion();
+    void followsAMotionBackToAnEarlierPlace();
+    void endsEachFastDragAtThePointer_data();
+    void endsEachFastDragAtThePointer();
+    void startsFromWhereTheWindowWasPut();
+    void dragsOverTwoScreens();
+};
+
+void tst_WidgetWindowAgentDrag::cleanup()
+{
+    // A failed test may have left the button down.
+    xdotool(ReleaseLeft);
+}
+
+void tst_WidgetWindowAgentDrag::drags_data()
+{
+    QTest::addColumn<bool>("isShownFirst");
+    QTest::addColumn<Change>("change");
+
+    const Change none = [](Window & /*window*/) {};
+    const Change hideAndShow = [](Window &window) {
+        window.hide();
+        window.present();
+    };
+    const Change closeAndShow = [](Window &window) {
+        window.windowHandle()->close();
+        window.present();
+    };
+    const Change otherFlags = [](Window &window) {
+        const WId former = window.windowHandle()->winId();
+        window.setWindowFlag(Qt::WindowStaysOnTopHint);
+        window.present();
+        QVERIFY(window.windowHandle()->winId() != former);
+    };
+    const Change otherFlagsTwice = [](Window &window) {
+        window.setWindowFlag(Qt::WindowStaysOnTopHint);
+        window.present();
+        window.setWindowFlag(Qt::WindowStaysOnTopHint, false);
+        window.present();
+    };
+    const Change intoAndOutOfAParent = [](Window &window) {
+        QWidget parent;
+        window.setParent(&parent);
+        window.setParent(nullptr);
+        window.setWindowFlag(Qt::FramelessWindowHint);
+        window.move(WindowPosition);
+        window.present();
+    };
+
+    QTest::newRow("set up before the native window exists") << false << none;
+    QTest::newRow("set up afterwards") << true << none;
+    QTest::newRow("hidden and shown") << false << hideAndShow;
+    QTest::newRow("closed and shown") << false << closeAndShow;
+    QTest::newRow("changed flags") << false << otherFlags;
+    QTest::newRow("set up afterwards, changed flags") << true << otherFlags;
+    QTest::newRow("flags changed twice") << false << otherFlagsTwice;
+    QTest::newRow("into a parent and out") << false << intoAndOutOfAParent;
+}
+
+void tst_WidgetWindowAgentDrag::drags()
+{
+    QFETCH(const bool, isShownFirst);
+    QFETCH(const Change, change);
+
+    Window window;
+    if (isShownFirst)
+        window.present();
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    QVERIFY(agent.setup(&window));
+    if (!isShownFirst)
+        window.present();
+    change(window);
+    verifyDrags(window);
+}
+
+void tst_WidgetWindowAgentDrag::followsEachMotion()
+{
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+
+    xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
+    for (const QPoint &distance : {QPoint(1, 0), QPoint(1, 1), QPoint(-37, 12), QPoint(400, 300),
+                                   QPoint(-100, -200), QPoint(0, 0), QPoint(5, -5)}) {
+        xdotool(moveTo(WindowPosition + HeaderPoint + distance));
+        verifyPlace(window, WindowPosition + distance);
+    }
+    xdotool(ReleaseLeft);
+    settle(window);
+    verifyPlace(window, WindowPosition + QPoint(5, -5));
+}
+
+void tst_WidgetWindowAgentDrag::followsAMotionBackToAnEarlierPlace()
+{
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+
+    const auto pretendMotion = [&window](const QPoint &distance) {
+        QMouseEvent motion(QEvent::MouseMove, HeaderPoint, HeaderPoint,
+                           WindowPosition + HeaderPoint + distance, Qt::NoButton, Qt::LeftButton,
+                           Qt::NoModifier);
+        QCoreApplication::sendEvent(window.windowHandle(), &motion);
+    };
+    const QPoint there(40, 20);
+    const QPoint beyond(90, 70);
+
+    xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
+    QTRY_COMPARE(answer.questions.size(), 1);
+    pretendMotion(there);
+    // Asking the server for a pixel sends the request off. Its report waits unread, since this
+    // process handles no event meanwhile.
+    QVERIFY(!QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, 1, 1).isNull());
+    for (int i = 0; i < 500 && placeOnServer(window) != WindowPosition + there; ++i) { }
+    QCOMPARE(placeOnServer(window), WindowPosition + there);
+    xdotool(moveTo(WindowPosition + HeaderPoint + there));
+    pretendMotion(beyond);
+    xdotool(ReleaseLeft);
+    settle(window);
+    verifyPlace(window, WindowPosition + there);
+}
+
+void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer_data()
+{
+    QTest::addColumn<bool>("isBusy");
+    QTest::newRow("handled as they come") << false;
+    QTest::newRow("handled all at once") << true;
+}
+
+void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer()
+{
+    QFETCH(const bool, isBusy);
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+
+    QPoint place = WindowPosition;
+    for (int i = 0; i < 100; ++i) {
+        const QPoint next(50 + i * 277 % 700, 50 + i * 191 % 600);
+        const QPoint grip(5 + i * 37 % 330, 2 + i * 13 % 55);
+        const QPoint halfWay = (place + next) / 2 + QPoint(i, -i);
+        const QStringList arguments = moveTo(place + grip) + PressLeft + moveTo(halfWay + grip)
+                                      + moveTo(next + grip) + ReleaseLeft;
+        isBusy ? xdotool(arguments) : xdotoolBeside(arguments);
+        verifyPlace(window, next);
+        place = next;
+    }
+    QCOMPARE(answer.questions.size(), 100);
+}
+
+void tst_WidgetWindowAgentDrag::startsFromWhereTheWindowWasPut()
+{
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+
+    verifyDrags(window);
+    window.move(500, 400);
+    verifyPlace(window, QPoint(500, 400));
+    verifyDrags(window);
+}
+
+void tst_WidgetWindowAgentDrag::dragsOverTwoScreens()
+{
+    QCOMPARE(QGuiApplication::screens().size(), 2);
+    const QPoint distance(QGuiApplication::screens().at(1)->geometry().left(), 100);
+    QVERIFY(distance.x() > 0);
+
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+    const QPoint from = WindowPosition + HeaderPoint;
+
+    xdotool(moveTo(from) + PressLeft);
+    for (int step = 1; step <= 8; ++step)
+        xdotoolBeside(moveTo(from + distance * step / 8));
+    xdotool(ReleaseLeft);
+    verifyPlace(window, WindowPosition + distance);
+    QTRY_COMPARE(window.screen(), QGuiApplication::screens().at(1));
+
+    xdotool(drag(from + distance, from));
+    verifyPlace(window, WindowPosition);
+    QTRY_COMPARE(window.screen(), QGuiApplication::screens().at(0));
+}
+
+QTEST_MAIN(tst_WidgetWindowAgentDrag)
+#include "tst_WidgetWindowAgentDrag.moc"

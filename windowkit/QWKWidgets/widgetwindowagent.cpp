@@ -1,0 +1,121 @@
+#include <QWKWidgets/widgetwindowagent.h>
+
+#include <QMouseEvent>
+#include <QWidget>
+#include <QWindow>
+
+namespace QWK {
+
+namespace {
+
+//! How long the window may take to get where it was last asked to be, in milliseconds.
+constexpr ulong SettlingTime = 250;
+
+} // namespace
+
+WidgetWindowAgent::WidgetWindowAgent(QObject *parent)
+    : WindowAgentBase(parent)
+{
+}
+
+WidgetWindowAgent::~WidgetWindowAgent() = default;
+
+bool WidgetWindowAgent::setup(QWidget *window)
+{
+    if (!window || m_isSetUp)
+        return false;
+
+    m_isSetUp = true;
+    m_widget = window;
+    m_widget->installEventFilter(this);
+    attach();
+    return true;
+}
+
+bool WidgetWindowAgent::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_widget && event->type() == QEvent::WinIdChange)
+        attach();
+    if (watched != m_window)
+        return WindowAgentBase::eventFilter(watched, event);
+
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+        return handlePress(*static_cast<QMouseEvent *>(event));
+    case QEvent::MouseMove:
+        return handleMove(*static_cast<QMouseEvent *>(event));
+    case QEvent::MouseButtonRelease:
+        return handleRelease(*static_cast<QMouseEvent *>(event));
+    case QEvent::Move:
+        if (static_cast<QMoveEvent *>(event)->pos() == m_requested)
+            m_isSettling = false;
+        return false;
+    default:
+        return WindowAgentBase::eventFilter(watched, event);
+    }
+}
+
+//! Watches the native window that the widget has now, if any, and keeps the widget frameless.
+void WidgetWindowAgent::attach()
+{
+    // Not setWindowFlag(): that would hide the window and make a new native one.
+    m_widget->overrideWindowFlags(m_widget->windowFlags() | Qt::FramelessWindowHint);
+
+    QWindow *window = m_widget->windowHandle();
+    if (window)
+        window->setFlag(Qt::FramelessWindowHint);
+    if (window == m_window)
+        return;
+
+    if (m_window)
+        m_window->removeEventFilter(this);
+    if (window)
+        window->installEventFilter(this);
+    m_window = window;
+    m_isDragging = false;
+    m_isSettling = false;
+}
+
+bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
+{
+    if (event.button() != Qt::LeftButton)
+        return false;
+
+    m_isDragging = emit inTitleBarDraggableArea(event.pos());
+    if (!m_isDragging)
+        return false;
+
+    // Until the last move has been carried out the press names a point of the window as it stood
+    // before. A window manager may also have refused that move: it isn't waited for long.
+    m_isSettling = m_isSettling && event.timestamp() - m_requestTime < SettlingTime;
+    m_grip = m_isSettling ? event.screenPos() - m_requested : event.localPos();
+    return true;
+}
+
+bool WidgetWindowAgent::handleMove(const QMouseEvent &event)
+{
+    if (!m_isDragging)
+        return false;
+    if (!event.buttons().testFlag(Qt::LeftButton)) {
+        m_isDragging = false;
+        return false;
+    }
+
+    m_requested = (event.screenPos() - m_grip).toPoint();
+    m_requestTime = event.timestamp();
+    m_isSettling = true;
+    m_window->setPosition(m_requested);
+    return true;
+}
+
+bool WidgetWindowAgent::handleRelease(const QMouseEvent &event)
+{
+    if (!m_isDragging || event.button() != Qt::LeftButton)
+        return false;
+
+    m_isDragging = false;
+    return true;
+}
+
+} // namespace QWK

@@ -48,6 +48,20 @@ CONFIGURATION = [
     "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
 ]
 
+# Most of a change's time goes into reading Qt's headers: the room gets them precompiled.
+PRECOMPILE = """\
+function(precompile_qt)
+    get_property(targets DIRECTORY "${{CMAKE_SOURCE_DIR}}/{room}" PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+        get_target_property(type ${{target}} TYPE)
+        if(type STREQUAL STATIC_LIBRARY)
+            target_precompile_headers(${{target}} PRIVATE <QtWidgets>)
+        endif()
+    endforeach()
+endfunction()
+cmake_language(DEFER CALL precompile_qt)
+"""
+
 # --- reading the code
 
 TOKEN = re.compile(
@@ -112,10 +126,12 @@ STEPS = {"++": ["--"], "--": ["++"]}
 
 # What stands before a brace that opens a block, not a list of values.
 BEFORE_BLOCK = {")", "else", "do", "try", "{", "}", ";", ":", "const", "override", "noexcept", "mutable"}
+LABELS = {"case", "default", "public", "private", "protected", "signals", "slots"}
+SCOPES = {"class", "enum", "extern", "inline", "namespace", "struct", "union"}
 DECLARING = {
-    "alignas", "auto", "case", "class", "const", "constexpr", "default", "enum", "explicit", "extern",
-    "friend", "inline", "namespace", "public", "private", "protected", "static", "static_assert",
-    "struct", "template", "typedef", "typename", "union", "using", "virtual",
+    "alignas", "auto", "class", "const", "constexpr", "enum", "explicit", "extern", "friend", "inline",
+    "namespace", "static", "static_assert", "struct", "template", "typedef", "typename", "union",
+    "using", "virtual",
 }  # fmt: skip
 CONTROL = {"if", "for", "while", "switch"}
 EMPTY_RESULTS = {"{}", "false", "true", "0", "QString()", "std::nullopt", "nullptr"}
@@ -250,19 +266,16 @@ def is_declaration(statement):
 def statement_changes(text, tokens):
     """Statements removed, and results emptied."""
     partner = partners(tokens)
-    blocks = []  # for each open bracket: whether it is a block
+    blocks = []  # for each open bracket: "" for a list of values, "{" for a block, or a scope's word
     start = 0
     for i, token in enumerate(tokens):
         in_block = not blocks or blocks[-1]
         if token.text in OPENING:
-            is_block = token.text == "{" and (
-                i == 0
-                or tokens[i - 1].text in BEFORE_BLOCK
-                or (in_block and start < i and tokens[start].text in DECLARING | {"~"}
-                    and not any(t.text in ("=", "(") for t in tokens[start:i]))
-            )  # fmt: skip
-            blocks.append(is_block)
-            if is_block:
+            is_scope = (token.text == "{" and in_block and start < i and tokens[start].text in SCOPES
+                        and not any(t.text in ("=", "(") for t in tokens[start:i]))  # fmt: skip
+            is_block = token.text == "{" and (i == 0 or tokens[i - 1].text in BEFORE_BLOCK)
+            blocks.append(tokens[start].text if is_scope else "{" if is_block else "")
+            if blocks[-1]:
                 start = i + 1
         elif token.text in OPENING.values() and blocks:
             was_block = blocks.pop()
@@ -274,11 +287,11 @@ def statement_changes(text, tokens):
                     start = i + 1
         elif token.text in ("else", "do") and in_block:
             start = i + 1
-        elif token.text == ":" and in_block and tokens[start].text in DECLARING:
+        elif token.text == ":" and in_block and tokens[start].text in LABELS:
             start = i + 1
         elif token.text == ";" and in_block:
             statement = tokens[start:i]
-            in_function = any(blocks)
+            in_function = blocks and blocks[-1] == "{"
             start = i + 1
             if not statement or not in_function:
                 continue
@@ -328,8 +341,11 @@ class Copy:
             if path.is_file() and str(path.relative_to(self.tree)) not in wanted:
                 path.unlink()
 
-    def configure(self):
-        subprocess.run(["cmake", "-S", self.tree, "-B", self.build, *CONFIGURATION],
+    def configure(self, room):
+        include = self.tree.parent / "precompile.cmake"
+        include.write_text(PRECOMPILE.format(room=room))
+        subprocess.run(["cmake", "-S", self.tree, "-B", self.build, *CONFIGURATION,
+                        f"-DCMAKE_PROJECT_INCLUDE={include}"],
                        check=True, stdout=subprocess.DEVNULL)  # fmt: skip
 
     def make(self, targets):
@@ -370,6 +386,7 @@ class Test:
         self.kills = Counter()
 
     def targets(self):
+        """What must be built to run it."""
         for word in self.command:
             path = Path(word)
             if path.is_relative_to(self.build):
@@ -417,15 +434,14 @@ class Run:
         self.room = room
         self.room_tests = chosen(room)
         self.whole_tests = [] if whole == "never" else chosen(WHOLE_PROGRAM)
-        self.targets = ["bin/corvane-panel"]
 
     def baseline(self):
         """Everything must pass unchanged. Also takes the tests' times."""
         tests = self.room_tests + self.whole_tests
         if not self.room_tests:
             sys.exit(f"mutate.py: there are no tests in tests/{self.room}")
-        self.targets += sorted({target for test in tests for target in test.targets()})
-        built, output = self.copy.make(self.targets)
+        targets = {target for test in tests for target in test.targets()}
+        built, output = self.copy.make(["bin/corvane-panel", *sorted(targets)])
         if not built:
             sys.exit(f"mutate.py: the unchanged tree doesn't build:\n{output}")
         for test in tests:
@@ -452,12 +468,16 @@ class Run:
         original = target.read_text()
         try:
             target.write_text(original[: mutant.start] + mutant.after + original[mutant.end :])
-            built, _ = self.copy.make(self.targets)
+            built, _ = self.copy.make(["bin/corvane-panel" if mutant.file == MAIN else f"{self.room}/all"])
             if not built:
                 return "no build", None
             if self.copy.object_code(self.room) == self.object_code:
                 return "same code", None
             for test in self.tests_for(mutant):
+                # Only now: most mutants need but one or two of the test programs.
+                built, _ = self.copy.make(test.targets())
+                if not built:
+                    return "no build", None
                 outcome, _ = test.run()
                 if outcome != "passed":
                     test.kills[mutant.file] += 1
@@ -523,7 +543,7 @@ def main():
 
     copy = Copy(options.work, options.jobs)
     copy.synchronise()
-    copy.configure()
+    copy.configure(options.room)
     run = Run(copy, options.room, options.whole, options.without)
     run.baseline()
 

@@ -8,6 +8,7 @@
 #include <QDesktopWidget>
 #include <QFont>
 #include <QIcon>
+#include <QOpenGLContext>
 #include <QVariant>
 
 #include <optional>
@@ -19,6 +20,24 @@ constexpr int ApplicationFontPointSize = 9;
 //! Variables that point at the panel's private libraries and must not reach its children.
 constexpr const char *PrivateVariables[] = {"LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH",
                                             "QT_QPA_PLATFORM_PLUGIN_PATH"};
+
+/*!
+    Keeps the platform plug-in from loading the OpenGL driver for a program that paints without it:
+    that takes more time and memory than all the rest of an empty window. A choice of the user's own
+    is respected.
+*/
+void goWithoutOpenGl()
+{
+    constexpr const char *variable = "QT_XCB_GL_INTEGRATION";
+    if (qEnvironmentVariableIsSet(variable))
+        return;
+
+    qputenv(variable, "none");
+    // The plug-in reads the variable when it is first asked for anything of OpenGL.
+    QOpenGLContext::supportsThreadedOpenGL();
+    // It is meant for this process only, not for those that it starts.
+    qunsetenv(variable);
+}
 
 } // namespace
 
@@ -34,6 +53,7 @@ int main(int argc, char *argv[])
     // Pictures at their full sharpness where the screen has more pixels to a point.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
+    goWithoutOpenGl();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/client/resources/application.svg")));
 
     QFont font;

@@ -9,6 +9,7 @@ endif()
 option(PANEL_WARNINGS_AS_ERRORS "Treat compiler warnings in our own code as errors" OFF)
 option(PANEL_LTO "Link-time optimisation of the program in release builds" ON)
 option(PANEL_HARDENING "Hardening flags in optimised builds" ON)
+option(PANEL_BENCHMARKS "Build the benchmarks (top level only)" OFF)
 option(PANEL_COVERAGE "Instrument for gcov" OFF)
 set(PANEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 

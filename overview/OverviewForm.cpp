@@ -60,6 +60,19 @@ void setUpTable(QTreeWidget *tree, const QStringList &headers)
 }
 
 /*!
+    Does the layout that \a tree owes after a change of its rows. Left to the event loop, it has the
+    header painted twice: the header finds out only while it paints that its sections are due too.
+*/
+void layOutAtOnce(QTreeWidget *tree)
+{
+    if (!tree->isVisible())
+        return;
+    tree->doItemsLayout();
+    // Asking for the length is what makes the header lay out its sections.
+    static_cast<void>(tree->header()->length());
+}
+
+/*!
     Splits the line of process figures into the texts of a row, with "%" behind the shares.
     Fields part at blanks only: a new-line stays inside its field, so that two lines don't pass
     for one.
@@ -158,6 +171,7 @@ void OverviewForm::syncOWInfo()
     for (int column = 0; column < row.size(); ++column)
         item->setTextAlignment(column, Qt::AlignCenter);
     tree->insertTopLevelItem(0, item);
+    layOutAtOnce(tree);
 }
 
 void OverviewForm::syncTagsInfo()

@@ -1,0 +1,112 @@
+#include "overview/OverviewForm.h"
+#include "tests/support/ShimFolder.h"
+
+#include <QAbstractEventDispatcher>
+#include <QHash>
+#include <QHeaderView>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <memory>
+
+namespace {
+
+//! Counts the paint events of each widget while it lives.
+class PaintCounter : public QObject
+{
+    Q_OBJECT
+
+public:
+    PaintCounter() { qApp->installEventFilter(this); }
+
+    QHash<const QObject *, int> paints;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++paints[object];
+        return false;
+    }
+};
+
+void handleEvents()
+{
+    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) { }
+}
+
+} // namespace
+
+//! How much of the page a refresh paints again.
+class tst_OverviewFormRepaint : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void runningDaemonRepaintsTheTableOnce();
+    void absentDaemonRepaintsNothing();
+
+private:
+    void showPage();
+    void refresh() { QVERIFY(QMetaObject::invokeMethod(m_page.get(), "syncOWInfo")); }
+
+    std::unique_ptr<ShimFolder> m_shims;
+    std::unique_ptr<OverviewForm> m_page;
+    QTreeWidget *m_tree = nullptr;
+};
+
+void tst_OverviewFormRepaint::init()
+{
+    m_shims = std::make_unique<ShimFolder>();
+    m_shims->addPrinting(QStringLiteral("pgrep"), "1234 Corvane\n");
+    m_shims->addPrinting(QStringLiteral("ps"), "Corvane  1234 alice    01:02:03  0.5  1.2\n");
+}
+
+void tst_OverviewFormRepaint::cleanup()
+{
+    m_page.reset();
+    m_shims.reset();
+}
+
+void tst_OverviewFormRepaint::showPage()
+{
+    m_page = std::make_unique<OverviewForm>();
+    m_tree = m_page->findChild<QTreeWidget *>(QStringLiteral("treeWidgetOW"));
+    m_page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
+    // The first refresh of a shown page finds what the showing left to do.
+    refresh();
+    handleEvents();
+}
+
+void tst_OverviewFormRepaint::runningDaemonRepaintsTheTableOnce()
+{
+    showPage();
+    const PaintCounter counter;
+
+    refresh();
+    QTRY_VERIFY(counter.paints.value(m_tree->viewport()) > 0);
+    handleEvents();
+
+    const QHash<const QObject *, int> expected = {{m_tree->viewport(), 1},
+                                                  {m_tree->header()->viewport(), 1}};
+    QCOMPARE(counter.paints, expected);
+}
+
+void tst_OverviewFormRepaint::absentDaemonRepaintsNothing()
+{
+    m_shims->addPrinting(QStringLiteral("pgrep"), "", 1);
+    showPage();
+    QCOMPARE(m_tree->topLevelItemCount(), 0);
+    const PaintCounter counter;
+
+    refresh();
+    handleEvents();
+
+    QCOMPARE(counter.paints.size(), 0);
+}
+
+QTEST_MAIN(tst_OverviewFormRepaint)
+#include "tst_OverviewFormRepaint.moc"

@@ -1,0 +1,279 @@
+#include "tests/support/PanelProcess.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+#include <QWidget>
+
+namespace {
+
+const auto Window = QStringLiteral("ServiceContainer");
+const auto RepairButton = QStringLiteral("xfkqfw");
+
+//! A place of the strip that drags, in window coordinates.
+constexpr QPoint Grip(400, 16);
+//! The middle of the close button.
+constexpr QPoint CloseButton(775, 16);
+
+constexpr int FastDrags = 100;
+
+//! Real input without a wait in between: one xdotool for all of it.
+void runInOneGo(const QStringList &words)
+{
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), words);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+}
+
+QStringList moveTo(const QPoint &point)
+{
+    return {QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y())};
+}
+
+} // namespace
+
+/*!
+    The window of the whole program under the mouse and the keyboard, with a window manager and
+    without one.
+*/
+class tst_Window : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void placeAndSize();
+    void dragsByTheHeaderOnly_data();
+    void dragsByTheHeaderOnly();
+    void otherButtonsDontDrag();
+    void followsThePointerInFastDrags();
+    void closesByItsButtonAfterADrag();
+    void doubleClickChangesNothing();
+    void keyboardAndWheelOnThePage();
+    void repairsWhileCovered();
+
+private:
+    //! Where the panel has its window.
+    QPoint position();
+    //! Where the X server has it.
+    QPoint placeOnTheServer();
+    //! Drags by \a way from \a grip in window coordinates; returns by how much the window moved.
+    QPoint drag(const QPoint &grip, const QPoint &way);
+    //! Whether the close button is painted in the red of a hovered one.
+    bool closeButtonIsRed();
+
+    std::unique_ptr<PanelProcess> m_panel;
+};
+
+void tst_Window::init()
+{
+    m_panel = std::make_unique<PanelProcess>();
+    if (QTest::currentTestFunction() == QLatin1String("repairsWhileCovered"))
+        m_panel->placeDaemon();
+    QVERIFY(m_panel->start());
+    PanelProcess::moveMouse(QPoint(5, 5));
+}
+
+void tst_Window::cleanup()
+{
+    // A failed test may have left a button down.
+    runInOneGo({"mouseup", "1", "mouseup", "3"});
+    m_panel.reset();
+}
+
+QPoint tst_Window::position()
+{
+    return m_panel->globalRect(Window).topLeft();
+}
+
+QPoint tst_Window::placeOnTheServer()
+{
+    QProcess process;
+    process.start(QStringLiteral("xwininfo"),
+                  {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))});
+    if (!process.waitForFinished() || process.exitCode() != 0)
+        return {};
+    const QString text = QString::fromLocal8Bit(process.readAllStandardOutput());
+    const QRegularExpression corner(QStringLiteral("Absolute upper-left X: +(-?\\d+)\\s+"
+                                                   "Absolute upper-left Y: +(-?\\d+)"));
+    const QRegularExpressionMatch match = corner.match(text);
+    return {match.captured(1).toInt(), match.captured(2).toInt()};
+}
+
+QPoint tst_Window::drag(const QPoint &grip, const QPoint &way)
+{
+    const QPoint before = position();
+    PanelProcess::moveMouse(before + grip);
+    PanelProcess::pressButton();
+    PanelProcess::moveMouse(before + grip + way / 2);
+    PanelProcess::moveMouse(before + grip + way);
+    PanelProcess::releaseButton();
+    // The panel has seen the release when a motion behind it has arrived.
+    PanelProcess::moveMouse(QPoint(5, 5));
+    const auto moved = [&] { return position() - before; };
+    [[maybe_unused]] const bool arrived = QTest::qWaitFor([&] { return moved() == way; }, 1000);
+    return moved();
+}
+
+bool tst_Window::closeButtonIsRed()
+{
+    return m_panel->grabScreen().pixelColor(position() + QPoint(755, 4)) == QColor(255, 0, 0);
+}
+
+void tst_Window::placeAndSize()
+{
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    QCOMPARE(m_panel->globalRect(Window).size(), QSize(800, 600));
+    // Relative to (0, 0), on whichever screen the window is.
+    QCOMPARE(position(), QPoint((screen.width() - 800) / 2, (screen.height() - 600) / 2));
+    QCOMPARE(m_panel->property(Window, "frameGeometry"), m_panel->property(Window, "geometry"));
+}
+
+void tst_Window::dragsByTheHeaderOnly_data()
+{
+    QTest::addColumn<QPoint>("grip");
+    QTest::addColumn<bool>("drags");
+
+    // The hidden tabs keep the size of a widget that was never laid out, and the place of that
+    // rectangle is the strip's corner.
+    QTest::newRow("corner of the strip") << QPoint(0, 0) << false;
+    QTest::newRow("the name") << QPoint(60, 16) << false;
+    QTest::newRow("inside the tabs' own size") << QPoint(99, 29) << false;
+    QTest::newRow("right of it") << QPoint(100, 16) << true;
+    QTest::newRow("below it") << QPoint(50, 30) << true;
+    QTest::newRow("middle of the strip") << Grip << true;
+    QTest::newRow("end of the header") << QPoint(748, 31) << true;
+    QTest::newRow("close button") << CloseButton << false;
+    QTest::newRow("page below the strip") << QPoint(400, 32) << false;
+    QTest::newRow("page") << QPoint(600, 400) << false;
+}
+
+void tst_Window::dragsByTheHeaderOnly()
+{
+    QFETCH(QPoint, grip);
+    QFETCH(bool, drags);
+    const QPoint way(37, 53);
+
+    QCOMPARE(drag(grip, way), drags ? way : QPoint(0, 0));
+    QVERIFY(m_panel->isRunning());
+    QCOMPARE(m_panel->globalRect(Window).size(), QSize(800, 600));
+}
+
+void tst_Window::otherButtonsDontDrag()
+{
+    const QPoint before = position();
+    for (const int button : {2, 3}) {
+        PanelProcess::moveMouse(before + Grip);
+        PanelProcess::pressButton(button);
+        PanelProcess::moveMouse(before + Grip + QPoint(40, 40));
+        PanelProcess::releaseButton(button);
+    }
+    // A drag with the left button still starts from the same place.
+    QCOMPARE(position(), before);
+    QCOMPARE(drag(Grip, QPoint(11, 7)), QPoint(11, 7));
+}
+
+void tst_Window::followsThePointerInFastDrags()
+{
+    QPoint from = position() + Grip;
+    for (int i = 0; i < FastDrags; ++i) {
+        // There and back and to another end, with no pause and not a single look in between.
+        const QPoint end(500 + (i * 137) % 700, 100 + (i * 71) % 400);
+        QStringList words = moveTo(from) + QStringList {"mousedown", "1"};
+        words += moveTo(from + QPoint(-30, 20)) + moveTo(from + QPoint(200, 150)) + moveTo(from);
+        words += moveTo(end) + QStringList {"mouseup", "1"};
+        runInOneGo(words);
+        // A press hits the window where the X server has it, which may lag behind the panel.
+        QTRY_COMPARE(placeOnTheServer() + Grip, end);
+        QTRY_COMPARE(position() + Grip, end);
+        QCOMPARE(QCursor::pos(), end);
+        from = end;
+    }
+}
+
+void tst_Window::closesByItsButtonAfterADrag()
+{
+    QCOMPARE(drag(Grip, QPoint(-120, 60)), QPoint(-120, 60));
+
+    QVERIFY(!closeButtonIsRed());
+    PanelProcess::moveMouse(position() + CloseButton);
+    QTRY_VERIFY(closeButtonIsRed());
+    PanelProcess::clickAt(position() + CloseButton);
+    QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+}
+
+void tst_Window::doubleClickChangesNothing()
+{
+    const QRect before = m_panel->globalRect(Window);
+    runInOneGo(moveTo(before.topLeft() + Grip) + QStringList {"click", "--repeat", "2", "1"});
+
+    // What comes behind it is served as ever.
+    QCOMPARE(drag(Grip, QPoint(21, 13)), QPoint(21, 13));
+    QCOMPARE(m_panel->globalRect(Window), before.translated(21, 13));
+    QCOMPARE(m_panel->property(Window, "maximized").toBool(), false);
+}
+
+void tst_Window::keyboardAndWheelOnThePage()
+{
+    const QString focus = QStringLiteral("focus");
+    PanelProcess::clickAt(position() + QPoint(600, 500));
+    QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
+
+    // Once around by Tab comes by the three buttons in reading order.
+    QStringList passed;
+    for (int i = 0; i < 12 && passed.size() < 3; ++i) {
+        const QString former = m_panel->application(focus).toString();
+        PanelProcess::pressKeys("Tab");
+        QTRY_VERIFY(m_panel->application(focus).toString() != former);
+        const QString name = m_panel->application(focus).toString();
+        if (m_panel->describe(name).value(QStringLiteral("class")).toString()
+            == QLatin1String("QPushButton"))
+            passed.append(name);
+    }
+    QCOMPARE(passed, (QStringList {"kqfwdt", "kqzsk", "xfkqfw"}));
+
+    // There is nothing to scroll, and nothing that the wheel could change.
+    const QImage before = m_panel->grab(QStringLiteral("labelOW"));
+    PanelProcess::moveMouse(m_panel->globalRect(QStringLiteral("treeWidgetOW")).center());
+    runInOneGo({"click", "--repeat", "3", "5", "click", "--repeat", "2", "4"});
+    PanelProcess::pressKeys("shift+Tab");
+    QTRY_COMPARE(m_panel->application(focus).toString(), QStringLiteral("kqzsk"));
+    QCOMPARE(m_panel->grab(QStringLiteral("labelOW")), before);
+    QCOMPARE(m_panel->property(QStringLiteral("treeWidgetOW/QScrollBar"), "value").toInt(), 0);
+}
+
+void tst_Window::repairsWhileCovered()
+{
+    QTRY_COMPARE(m_panel->rowTexts(QStringLiteral("treeWidgetOW")).size(), 1);
+    m_panel->click(RepairButton);
+
+    // The panel sleeps; meanwhile another window comes over all of it, and goes again.
+    QWidget cover;
+    cover.setWindowFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
+    cover.setStyleSheet(QStringLiteral("background:#00ff00"));
+    cover.setGeometry(QGuiApplication::primaryScreen()->geometry());
+    cover.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&cover));
+
+    QTRY_VERIFY(m_panel->messageBox());
+    QCOMPARE(m_panel->messageBox()->text, QStringLiteral("统一服务运行正常，无需修复。"));
+    cover.hide();
+    QTRY_VERIFY(m_panel->isExposed(QStringLiteral("QMessageBox")));
+    m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
+    QTRY_VERIFY(!m_panel->messageBox());
+
+    // All of the window is painted again.
+    QTRY_COMPARE(m_panel->grabScreen()
+                         .copy(m_panel->globalRect(Window))
+                         .convertToFormat(QImage::Format_RGB32),
+                 m_panel->grab(Window).convertToFormat(QImage::Format_RGB32));
+}
+
+QTEST_MAIN(tst_Window)
+#include "tst_Window.moc"

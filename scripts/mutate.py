@@ -3,6 +3,7 @@
 
     mutate.py --room app
     mutate.py --room overview --sample 50 --seed 1
+    mutate.py --room overview --sample 80 --resume     goes on: 30 more of the same order
     mutate.py --room overview --retry          only those that survived the last run
     mutate.py --room overview --list           shows the changes and tries none
 
@@ -28,6 +29,7 @@ import re
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 from collections import Counter, defaultdict
 from pathlib import Path
@@ -36,6 +38,9 @@ PROJECT = Path(__file__).resolve().parent.parent
 WHOLE_PROGRAM = "panel"  # the folder below tests/ whose tests run the program itself
 MAIN = "app/main.cpp"
 BUILD_TIMEOUT = 600  # seconds
+POLL_INTERVAL = 0.1  # seconds
+PATIENCE = 10  # seconds for a test to end when it is asked to
+FAILURE = b"\nFAIL!"  # what QtTest writes of a function that fails
 MEMORY_LIMIT = 4 << 30  # bytes of address space for each process of a test
 
 # No debug information: it doubles the time to link. No hardening: it changes nothing that a test sees.
@@ -55,7 +60,12 @@ function(precompile_qt)
     foreach(target IN LISTS targets)
         get_target_property(type ${{target}} TYPE)
         if(type STREQUAL STATIC_LIBRARY)
-            target_precompile_headers(${{target}} PRIVATE <QtWidgets>)
+            get_target_property(libraries ${{target}} LINK_LIBRARIES)
+            if("Qt5::Widgets" IN_LIST libraries)
+                target_precompile_headers(${{target}} PRIVATE <QtWidgets>)
+            else()
+                target_precompile_headers(${{target}} PRIVATE <QtCore>)
+            endif()
         endif()
     endforeach()
 endfunction()
@@ -394,30 +404,41 @@ class Test:
 
     def run(self):
         """Returns "passed", "failed" or "timeout", and the output."""
-        # A session of its own, so that its whole group of processes can be ended.
-        process = subprocess.Popen(
-            ["prlimit", f"--as={MEMORY_LIMIT}", *self.command], cwd=self.build, stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True)  # fmt: skip
-        try:
-            output, _ = process.communicate(timeout=self.timeout)
-        except subprocess.TimeoutExpired:
-            end_group(process)
-            return "timeout", b""
-        except BaseException:
-            end_group(process)
-            raise
-        return ("passed" if process.returncode == 0 else "failed"), output
+        with tempfile.TemporaryFile() as log:
+            # A session of its own, so that its whole group of processes can be ended.
+            process = subprocess.Popen(
+                ["prlimit", f"--as={MEMORY_LIMIT}", *self.command], cwd=self.build,
+                stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
+                start_new_session=True)  # fmt: skip
+            try:
+                return self.watch(process, log)
+            finally:
+                end_group(process)
+
+    def watch(self, process, log):
+        deadline = time.monotonic() + self.timeout
+        while True:
+            ended = process.poll() is not None
+            output = os.pread(log.fileno(), os.fstat(log.fileno()).st_size, 0)
+            # One failure is enough; the rest of a test program's functions may take long.
+            if FAILURE in output or ended and process.returncode != 0:
+                return "failed", output
+            if ended:
+                return "passed", output
+            if time.monotonic() > deadline:
+                return "timeout", output
+            time.sleep(POLL_INTERVAL)
 
 
 def end_group(process):
     """Ends the processes that a test has started, first politely: it cleans up after itself."""
-    for number, patience in ((signal.SIGTERM, 5), (signal.SIGKILL, None)):
-        try:
-            os.killpg(process.pid, number)
-        except ProcessLookupError:
+    for number in (signal.SIGTERM, signal.SIGKILL):
+        # While it isn't waited for, its number can't be anybody else's.
+        if process.poll() is not None:
             return
+        os.killpg(process.pid, number)
         try:
-            process.wait(timeout=patience)
+            process.wait(timeout=PATIENCE)
         except subprocess.TimeoutExpired:
             continue
 
@@ -496,9 +517,10 @@ def main():
         description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)  # fmt: skip
     parser.add_argument("--room", required=True, help="folder of the code: app, overview, ...")
     parser.add_argument("--file", help="only this file of the room")
-    parser.add_argument("--sample", type=int, metavar="N", help="try N changes, picked at random")
+    parser.add_argument("--sample", type=int, metavar="N", help="try N changes only, picked at random")
     parser.add_argument("--seed", type=int, default=1, help="which N (default 1)")
     parser.add_argument("--retry", action="store_true", help="only those that survived the last run")
+    parser.add_argument("--resume", action="store_true", help="leave out what an earlier run tried")
     parser.add_argument("--list", action="store_true", help="show the changes and try none")
     parser.add_argument("--whole", choices=["survivors", "never"], default="survivors",
                         help="when to run the whole-program tests (default: survivors)")  # fmt: skip
@@ -521,15 +543,18 @@ def main():
     options.work.mkdir(parents=True, exist_ok=True)
     record = options.work / f"{options.room}.json"
     results = {}
-    if options.retry:
+    if options.retry or options.resume and record.exists():
         results = {r["key"]: r for r in json.loads(record.read_text())["results"]}
+    if options.retry:
         survivors = {(r["file"], r["before_line"], r["after_line"])
                      for r in results.values() if r["verdict"] == "survived"}  # fmt: skip
         mutants = [m for m in mutants if (m.file, m.old_line, m.new_line) in survivors]
-    elif options.sample is not None and options.sample < len(mutants):
-        # By their place in the file: neighbours in one file build faster.
-        picked = random.Random(options.seed).sample(range(len(mutants)), options.sample)
-        mutants = [mutants[i] for i in sorted(picked)]
+    else:
+        # In any order: a run that is broken off has tried a fair sample too. Headers come last and
+        # one after the other, for each of them rebuilds half of the room and its tests.
+        random.Random(options.seed).shuffle(mutants)
+        mutants = [m for m in mutants[: options.sample] if m.key() not in results]
+        mutants.sort(key=lambda m: m.file if m.file.endswith(".h") else "")
 
     if options.list:
         for mutant in mutants:

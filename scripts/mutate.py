@@ -467,18 +467,34 @@ class Run:
             sys.exit(f"mutate.py: the unchanged tree doesn't build:\n{output}")
         for test in tests:
             begin = time.monotonic()
-            outcome, output = test.run()
+            self.must_pass(test)
             test.duration = time.monotonic() - begin
             # Other work on the machine must not pass for a test that hangs.
             test.timeout = 4 * test.duration + 20
-            say(f"{test.name}: {outcome} in {test.duration:.1f} s")
-            if outcome != "passed":
-                sys.exit(f"mutate.py: {test.name} fails on the unchanged tree:\n{output.decode()}")
+            say(f"{test.name}: {test.duration:.1f} s")
         self.object_code = self.copy.object_code(self.room)
 
+    @staticmethod
+    def must_pass(test):
+        outcome, output = test.run()
+        if outcome != "passed":
+            sys.exit(f"mutate.py: {test.name} fails on the unchanged tree:\n{output.decode()}")
+
+    def check_killers(self):
+        """What a test that was ended early leaves behind must not make it fail from then on."""
+        for test in self.room_tests + self.whole_tests:
+            if test.kills:
+                built, output = self.copy.make(test.targets())
+                if not built:
+                    sys.exit(f"mutate.py: the unchanged tree doesn't build any more:\n{output}")
+                self.must_pass(test)
+
     def tests_for(self, mutant):
+        # A class's tests bear its name.
+        stem = Path(mutant.file).stem.removesuffix("_p")
+
         def promise(test):
-            return test.duration / (1 + 2 * test.kills[mutant.file])
+            return stem not in test.name, test.duration / (1 + 2 * test.kills[mutant.file])
 
         room = [] if mutant.file == MAIN else sorted(self.room_tests, key=promise)
         return room + sorted(self.whole_tests, key=promise)
@@ -489,16 +505,17 @@ class Run:
         original = target.read_text()
         try:
             target.write_text(original[: mutant.start] + mutant.after + original[mutant.end :])
-            built, _ = self.copy.make(["bin/corvane-panel" if mutant.file == MAIN else f"{self.room}/all"])
+            built, output = self.copy.make(
+                ["bin/corvane-panel" if mutant.file == MAIN else f"{self.room}/all"])  # fmt: skip
             if not built:
-                return "no build", None
+                return "no build", complaint(output)
             if self.copy.object_code(self.room) == self.object_code:
                 return "same code", None
             for test in self.tests_for(mutant):
                 # Only now: most mutants need but one or two of the test programs.
-                built, _ = self.copy.make(test.targets())
+                built, output = self.copy.make(test.targets())
                 if not built:
-                    return "no build", None
+                    return "no build", complaint(output)
                 outcome, _ = test.run()
                 if outcome != "passed":
                     test.kills[mutant.file] += 1
@@ -506,6 +523,12 @@ class Run:
             return "survived", None
         finally:
             target.write_text(original)
+
+
+def complaint(output):
+    """The line of a build's output that tells why it failed."""
+    lines = output.splitlines() or ["nothing said"]
+    return next((line for line in lines if "error" in line or "undefined" in line), lines[-1])
 
 
 def say(text):
@@ -587,6 +610,7 @@ def main():
         record.write_text(json.dumps({"generated": generated, "results": list(results.values())},
                                      ensure_ascii=False, indent=1))  # fmt: skip
 
+    run.check_killers()
     say(f"\n{options.room}: {generated} changes, {len(mutants)} tried, "
         + ", ".join(f"{len(verdicts[v])} {v}" for v in ("no build", "same code", "killed", "survived")))  # fmt: skip
     for mutant in verdicts["survived"]:

@@ -24,7 +24,7 @@ public:
     explicit ExecutableOfDaemon(const QByteArray &content)
         : m_file(Daemon::executablePath())
     {
-        if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || m_file.write(content) < 0
+        if (!m_file.open(QIODevice::WriteOnly) || m_file.write(content) < 0
             || !m_file.setPermissions(QFile::ReadOwner | QFile::ExeOwner))
             qFatal("can't write %s", qPrintable(m_file.fileName()));
         m_file.close();
@@ -43,6 +43,7 @@ class tst_daemon : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
     void runsCommandsInBash();
     void probesByName();
     void asksForTheFiguresOfAProcess_data();
@@ -56,6 +57,12 @@ private slots:
     void startsWhatIsThere_data();
     void startsWhatIsThere();
 };
+
+void tst_daemon::init()
+{
+    // What a run that was cut short may have left.
+    QFile::remove(Daemon::executablePath());
+}
 
 void tst_daemon::runsCommandsInBash()
 {

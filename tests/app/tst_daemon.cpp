@@ -1,6 +1,8 @@
 #include "app/daemon.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <limits>
@@ -15,6 +17,25 @@ namespace {
 constexpr qint64 Largest = std::numeric_limits<qint64>::max();
 constexpr qint64 Smallest = std::numeric_limits<qint64>::min();
 
+//! An executable of the daemon's name beside this program, for as long as the object lives.
+class ExecutableOfDaemon
+{
+public:
+    explicit ExecutableOfDaemon(const QByteArray &content)
+        : m_file(Daemon::executablePath())
+    {
+        if (!m_file.open(QIODevice::WriteOnly) || m_file.write(content) < 0
+            || !m_file.setPermissions(QFile::ReadOwner | QFile::ExeOwner))
+            qFatal("can't write %s", qPrintable(m_file.fileName()));
+        m_file.close();
+    }
+    ~ExecutableOfDaemon() { m_file.remove(); }
+    Q_DISABLE_COPY_MOVE(ExecutableOfDaemon)
+
+private:
+    QFile m_file;
+};
+
 } // namespace
 
 class tst_daemon : public QObject
@@ -22,6 +43,7 @@ class tst_daemon : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
     void runsCommandsInBash();
     void probesByName();
     void asksForTheFiguresOfAProcess_data();
@@ -32,7 +54,15 @@ private slots:
     void looksForTheExecutableBesideTheProgram();
     void doesNotStartWhatIsMissing_data();
     void doesNotStartWhatIsMissing();
+    void startsWhatIsThere_data();
+    void startsWhatIsThere();
 };
+
+void tst_daemon::init()
+{
+    // What a run that was cut short may have left.
+    QFile::remove(Daemon::executablePath());
+}
 
 void tst_daemon::runsCommandsInBash()
 {
@@ -152,6 +182,37 @@ void tst_daemon::doesNotStartWhatIsMissing()
 
     QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
     QVERIFY(!Daemon::launch(rule));
+}
+
+void tst_daemon::startsWhatIsThere_data()
+{
+    QTest::addColumn<Daemon::LaunchRule>("rule");
+
+    QTest::newRow("if it exists") << Daemon::LaunchRule::IfExecutableExists;
+    QTest::newRow("always") << Daemon::LaunchRule::Always;
+}
+
+void tst_daemon::startsWhatIsThere()
+{
+    QFETCH(Daemon::LaunchRule, rule);
+    const QTemporaryDir folder;
+    const QString record = folder.filePath(QStringLiteral("record"));
+    const ExecutableOfDaemon script("#!/bin/sh\n"
+                                    "printf '%s\\n' $$ \"$(pwd -P)\" \"$@\" >'"
+                                    + QFile::encodeName(record) + ".new'\nmv '"
+                                    + QFile::encodeName(record) + ".new' '"
+                                    + QFile::encodeName(record) + "'\n");
+
+    QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
+    const OptionalPid pid = Daemon::launch(rule);
+
+    QVERIFY(pid);
+    QTRY_VERIFY(QFile::exists(record));
+    QFile file(record);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString here = QFileInfo(QCoreApplication::applicationDirPath()).canonicalFilePath();
+    QCOMPARE(QString::fromLocal8Bit(file.readAll()).split(QLatin1Char('\n')),
+             (QStringList {QString::number(*pid), here, QStringLiteral("quickboot"), QString()}));
 }
 
 QTEST_GUILESS_MAIN(tst_daemon)

@@ -53,6 +53,7 @@ private slots:
     void sizeHintFollowsWidthAndHeight();
     void forwardsToTheTitleBar();
     void quickAccessStretchesTheLeftSpacer();
+    void quickAccessTakesEffectAtOnce();
     void menuRowIsShown();
     void menuBarBringsTheMenuRow_data();
     void menuBarBringsTheMenuRow();
@@ -440,6 +441,22 @@ void tst_FancyBar::quickAccessStretchesTheLeftSpacer()
     delete d.m_titleWidget;
     d.showQuickAccessBar(true);
     QCOMPARE(d.m_bQuickAccessVisible, false);
+}
+
+void tst_FancyBar::quickAccessTakesEffectAtOnce()
+{
+    FancyBarPrivate &d = data();
+    bar->resize(400, 32);
+    window->resize(400, 100);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+    const QRect narrow = d.m_leftSpacerItem->geometry();
+
+    d.showQuickAccessBar(true);
+    QTRY_VERIFY(d.m_leftSpacerItem->geometry().width() > narrow.width());
+
+    d.showQuickAccessBar(false);
+    QTRY_COMPARE(d.m_leftSpacerItem->geometry(), narrow);
 }
 
 void tst_FancyBar::menuRowIsShown()

@@ -95,6 +95,7 @@ private:
     void paintBackground();
     void paintTextAndFrame();
     void paintIcon();
+    void paintFocus();
 
     FancyButtonPrivate *d;
 };

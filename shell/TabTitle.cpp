@@ -18,6 +18,9 @@ TabTitle::TabTitle(QWidget *parent)
 {
     ui->setupUi(this);
 
+    // The strip of colour has a text that nobody is meant to hear of, and an empty name would not
+    // hide it.
+    ui->labelSpace->setAccessibleName(QStringLiteral(" "));
     ui->label->setAttribute(Qt::WA_MouseTracking);
     ui->label->installEventFilter(this);
 

@@ -1,9 +1,8 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/contrast.h"
 
 #include <QTest>
-
-#include <cmath>
 
 namespace {
 
@@ -20,24 +19,6 @@ const QString CloseButton;
 constexpr int MarkReach = 4;
 //! What a mark must at least stand out by from what was there before.
 constexpr double LeastContrast = 3.0;
-
-double linear(int channel)
-{
-    const double value = channel / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
-double luminance(QRgb color)
-{
-    return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color))
-           + 0.0722 * linear(qBlue(color));
-}
-
-double contrast(QRgb one, QRgb other)
-{
-    const auto [dark, light] = std::minmax(luminance(one), luminance(other));
-    return (light + 0.05) / (dark + 0.05);
-}
 
 //! The pixels by which \a after stands out from \a before.
 QRegion standsOut(const QImage &before, const QImage &after)

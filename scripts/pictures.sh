@@ -20,7 +20,7 @@ PANEL_TEST_PICTURES=$raw "$project/tests/support/in-desktop.sh" --screen "$scree
     --pid-namespace -- "$build/tests/panel/pictures"
 
 for picture in "$raw"/*.png; do
-    convert "$picture" -strip -define png:compression-level=9 -define png:compression-filter=0 \
+    convert "$picture" -strip -define png:compression-level=9 -define png:compression-filter=1 \
         "$project/docs/pictures/$(basename "$picture")"
 done
 say "pictures in docs/pictures: $(find "$raw" -name '*.png' | wc -l)"

@@ -154,7 +154,7 @@ void tst_Looks::pictureIsSharp()
     panel.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), factor);
     QVERIFY(panel.start());
 
-    const QImage picture = panel.property(QStringLiteral("labelIcon"), "pixmap").value<QImage>();
+    const auto picture = panel.property(QStringLiteral("labelIcon"), "pixmap").value<QImage>();
     QCOMPARE(picture.size(), size);
     QCOMPARE(panel.property(QStringLiteral("labelIcon"), "size").toSize(), QSize(20, 32));
 }

@@ -18,6 +18,9 @@ const QLatin1String
         NoBorderSheet("QToolButton::menu-indicator { image: None; }"
                       "QToolButton{background-color: transparent;color: #%1;border:none;}");
 constexpr qreal OutlineWidth = 1.0;
+//! Of the mark of the focus, in pixels.
+constexpr int FocusMargin = 3;
+constexpr int FocusWidth = 2;
 } // namespace
 
 FancyButton::FancyButton(QWidget *parent)
@@ -177,6 +180,7 @@ void FancyButton::paintEvent(QPaintEvent *)
     paintBackground();
     paintTextAndFrame();
     paintIcon();
+    paintFocus();
 }
 
 QColor FancyButton::backgroundColor() const
@@ -242,4 +246,16 @@ void FancyButton::paintIcon()
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawPixmap(target, pixmap);
+}
+
+// The style sheet hides the style's own mark of the focus.
+void FancyButton::paintFocus()
+{
+    if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
+        return;
+    const QRect outer = rect().marginsRemoved({FocusMargin, FocusMargin, FocusMargin, FocusMargin});
+    const QRect inner = outer.marginsRemoved({FocusWidth, FocusWidth, FocusWidth, FocusWidth});
+    QPainter painter(this);
+    painter.setClipRegion(QRegion(outer) - inner);
+    painter.fillRect(outer, Qt::black);
 }

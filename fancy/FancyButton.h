@@ -19,6 +19,7 @@ struct FancyButtonPrivate;
     - The text is painted beneath the icon (an icon-only tool button shows its text where it has no
       icon). Give a button with an icon no text unless its icon covers it.
     - A disabled button ignores the mouse and never shows the hover colour.
+    - A black ring inside the button marks the focus where the keyboard has brought it.
 
     Colours take effect with the next repaint; the setters don't ask for one unless they say so. An
     invalid colour paints no background.
@@ -95,6 +96,7 @@ private:
     void paintBackground();
     void paintTextAndFrame();
     void paintIcon();
+    void paintFocus();
 
     FancyButtonPrivate *d;
 };

@@ -12,6 +12,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMessageBox>
+#include <QPainter>
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
@@ -27,6 +28,11 @@ constexpr int HeaderAndRowHeight = 76;
 //! Fields of the process figures that are shares of a whole, by their place in the line.
 constexpr int CpuField = 4;
 constexpr int MemoryField = 5;
+
+//! The ring around the focused widget, and the room between them, in pixels.
+constexpr QRgb FocusColor = qRgb(0, 120, 212);
+constexpr int FocusWidth = 2;
+constexpr int FocusGap = 1;
 
 constexpr unsigned long NoRepairPauseMs = 2000;
 constexpr unsigned long MsPerSecond = 1000;
@@ -121,6 +127,13 @@ OverviewForm::OverviewForm(QWidget *parent)
                                    tr("注册接口数"), tr("客户端连接数")});
     ui->frameService->hide();
     ui->lineService->hide();
+
+    // Assistive tools know a table by its title, and a button without the blank beside its icon.
+    ui->treeWidgetOW->setAccessibleName(ui->labelOW->text());
+    ui->treeWidgetTag->setAccessibleName(ui->labelTag->text());
+    for (QPushButton *button : {ui->kqfwdt, ui->kqzsk, ui->xfkqfw})
+        button->setAccessibleName(button->text().trimmed());
+    connect(qGuiApp, &QGuiApplication::focusObjectChanged, this, QOverload<>::of(&QWidget::update));
 
     syncOWInfo();
     syncTagsInfo();
@@ -244,4 +257,20 @@ void OverviewForm::keyPressEvent(QKeyEvent *event)
         return;
     }
     QWidget::keyPressEvent(event);
+}
+
+void OverviewForm::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+
+    const QWidget *focused = focusWidget();
+    if (!focused || !focused->hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
+        return;
+    // Around the widget: its style sheet leaves little inside that could show the focus.
+    const QRect inner = QRect(focused->mapTo(this, QPoint()), focused->size())
+                                .marginsAdded({FocusGap, FocusGap, FocusGap, FocusGap});
+    const QRect outer = inner.marginsAdded({FocusWidth, FocusWidth, FocusWidth, FocusWidth});
+    QPainter painter(this);
+    painter.setClipRegion(QRegion(outer) - inner);
+    painter.fillRect(outer, QColor(FocusColor));
 }

@@ -33,6 +33,14 @@ test_packages=(
     libxcb-xfixes0-dev
     pkg-config
     xserver-xephyr
+    x11-xserver-utils
+    wmctrl
+    dbus
+    xfconf
+    xfwm4
+    metacity
+    at-spi2-core
+    python3-pyatspi
     appstream
     desktop-file-utils
     dpkg-dev

@@ -99,6 +99,7 @@ SettingsForm::SettingsForm(QWidget *parent)
     setUpNumber(ui->spinPullMessage, MsgPull);
     setUpNumber(ui->spinStatusUpdate, MsgUpdate);
     setUpNumber(ui->spinUpload, MsgUpload);
+    nameFields();
 
     connect(ui->cbLogLevel, SIGNAL(activated(int)), this, SLOT(logLevelChanged()));
     connect(ui->spinLogDays, SIGNAL(valueChanged(int)), this, SLOT(logDaysChanged()));
@@ -117,6 +118,24 @@ SettingsForm::SettingsForm(QWidget *parent)
 SettingsForm::~SettingsForm()
 {
     delete ui;
+}
+
+//! Tells assistive tools what each field is, by the texts beside it.
+void SettingsForm::nameFields()
+{
+    const auto name = [](QWidget *field, const QLabel *label, const QLabel *unit) {
+        field->setAccessibleName(label->text());
+        if (unit)
+            field->setAccessibleDescription(unit->text());
+    };
+    // A combo box is known by its value; its label has to be tied to it.
+    ui->label_7->setBuddy(ui->cbLogLevel);
+    name(ui->spinLogDays, ui->label_8, ui->label_9);
+    name(ui->spinRpcTimeout, ui->label_3, ui->label_4);
+    name(ui->spinThreadNums, ui->label_5, nullptr);
+    name(ui->spinPullMessage, ui->label_11, ui->label_12);
+    name(ui->spinStatusUpdate, ui->label_13, ui->label_14);
+    name(ui->spinUpload, ui->label_15, ui->label_16);
 }
 
 void SettingsForm::loadConfig()

@@ -49,6 +49,8 @@ private slots:
     void msgUploadChanged();
 
 private:
+    void nameFields();
+
     Ui_SettingsForm *ui;
     QSettings *settings = nullptr;
 };

@@ -18,6 +18,10 @@ TabTitle::TabTitle(QWidget *parent)
 {
     ui->setupUi(this);
 
+    // The strip of colour has a text that nobody is meant to see or to hear of. An empty name would
+    // be none.
+    ui->labelSpace->setIndent(ui->labelSpace->maximumWidth());
+    ui->labelSpace->setAccessibleName(QStringLiteral(" "));
     ui->label->setAttribute(Qt::WA_MouseTracking);
     ui->label->installEventFilter(this);
 
@@ -38,9 +42,12 @@ TabTitle::TabTitle(QWidget *parent)
                           QIcon(QStringLiteral(":/client/resources/settings.svg")),
                           QStringLiteral("服务设置"));
 
-    ui->labelIcon->setPixmap(
+    const qreal ratio = devicePixelRatioF();
+    QPixmap picture =
             QPixmap(QStringLiteral(":/client/resources/application.svg"))
-                    .scaled(PictureSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+                    .scaled(PictureSize * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    picture.setDevicePixelRatio(ratio);
+    ui->labelIcon->setPixmap(picture);
 
     connect(ui->tabWidget, &QTabWidget::currentChanged, this, &TabTitle::tabIndexChanged);
 }

@@ -1,30 +1,36 @@
 #!/usr/bin/env bash
 # Runs a command in surroundings of its own and cleans up behind it:
 #
-#   in-desktop.sh [--no-display] [--wm NAME|none] [--screen WxHxD]... [--pid-namespace] -- COMMAND...
+#   in-desktop.sh [--no-display] [--wm MANAGER|none] [--screen WxHxD]... [--session-bus]
+#                 [--pid-namespace] -- COMMAND...
 #
 # The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
 # a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
-# further Xinerama screen to the right) with a window manager (openbox by default) that is ready
-# before it starts; and with --pid-namespace a process namespace in which it sees only its own
-# children. The exit status is the command's; 70 where the surroundings can't be had.
+# further Xinerama screen to the right) with a window manager (openbox by default; arguments may
+# follow the name) that is ready before it starts and whose command line it finds in PANEL_TEST_WM;
+# with --session-bus a D-Bus session, which the window manager shares; and with --pid-namespace a
+# process namespace in which it sees only its own children. The exit status is the command's; 70
+# where the surroundings can't be had.
 set -euo pipefail
 
 display=yes
 wm=openbox
 screens=()
+session_bus=no
 pid_namespace=no
 while [ $# -gt 0 ]; do
     case "$1" in
     --no-display) display=no ;;
     --wm) wm=$2; shift ;;
     --screen) screens+=("$2"); shift ;;
+    --session-bus) session_bus=yes ;;
     --pid-namespace) pid_namespace=yes ;;
     --) shift; break ;;
     *) echo "in-desktop.sh: unknown option $1" >&2; exit 64 ;;
     esac
     shift
 done
+[ "$display" = yes ] || wm=none
 [ ${#screens[@]} -gt 0 ] || screens=(1920x1080x24)
 
 fail() {
@@ -88,6 +94,10 @@ done
 # Nothing here draws with OpenGL, and its driver leaks.
 [ -z "${LSAN_OPTIONS+set}" ] || environment+=(QT_XCB_GL_INTEGRATION=none)
 
+if [ "$session_bus" = yes ]; then
+    environment+=(DBUS_SESSION_BUS_ADDRESS="unix:path=$root/run/bus" GSETTINGS_BACKEND=memory)
+fi
+
 if [ "$display" = yes ]; then
     # start_server PROGRAM ARGUMENT...: leaves its display number in the file "display". The kernel
     # ends the server with this script, also where the script is killed outright.
@@ -111,15 +121,28 @@ if [ "$display" = yes ]; then
         DISPLAY=":$(cat "$root/display")" start_server Xephyr "${arguments[@]}"
     fi
     environment+=(DISPLAY=":$(cat "$root/display")")
+fi
 
-    if [ "$wm" != none ]; then
-        env -i "${environment[@]}" setpriv --pdeathsig TERM "$wm" >"$root/log/wm" 2>&1 &
-        manager=$!
-        # The manager goes first: it would complain of the server's end.
-        started=("$manager" "${started[@]}")
-        wait_until "$manager" "the window manager $wm" \
-            env -i "${environment[@]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
-    fi
+if [ "$session_bus" = yes ]; then
+    # Behind the display, which the services that it starts may need.
+    env -i "${environment[@]}" setpriv --pdeathsig TERM \
+        dbus-daemon --session --nofork --nopidfile --address="unix:path=$root/run/bus" \
+        >"$root/log/bus" 2>&1 &
+    bus=$!
+    started=("$bus" "${started[@]}")
+    wait_until "$bus" "the D-Bus session" test -S "$root/run/bus"
+fi
+
+if [ "$wm" != none ]; then
+    environment+=(PANEL_TEST_WM="$wm")
+    read -ra manager_command <<<"$wm"
+    env -i "${environment[@]}" setpriv --pdeathsig TERM "${manager_command[@]}" \
+        >"$root/log/wm" 2>&1 &
+    manager=$!
+    # The manager goes first: it would complain of the server's end.
+    started=("$manager" "${started[@]}")
+    wait_until "$manager" "the window manager $wm" \
+        env -i "${environment[@]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
 fi
 
 launcher=(env -i "${environment[@]}")

@@ -1,0 +1,195 @@
+#!/usr/bin/env python3
+"""Reads the running panel as a screen reader does, from outside over AT-SPI:
+
+    check-accessibility.py PANEL
+
+PANEL has the stand-in daemon beside it. Ends with 0 only where everything has its name, the table
+its values, the stop of the daemon shows, and the buttons can be pressed.
+"""
+
+import getpass
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+import pyatspi  # noqa: E402
+from gi.repository import GLib  # noqa: E402
+
+PATIENCE = 20
+PAUSE = 0.02
+APPLICATION = "corvane-panel"
+HEADERS = ["进程", "PID", "启动用户", "运行时长", "CPU占用率", "内存占用率"]
+NOTICE = "统一服务未启动"
+REPAIR = "修复朔川服务"
+NO_REPAIR = "统一服务运行正常，无需修复。"
+
+# What there is to hear or to use on the first page, in its order; the table aside.
+SHOWN = [
+    ("label", "运行概况"),
+    ("tree", "运行概况"),
+    ("label", "常用网站"),
+    ("push button", "朔川服务大厅"),
+    ("push button", "朔川知识库"),
+    ("label", "软件修复"),
+    ("push button", REPAIR),
+    ("push button", "关闭"),
+    ("label", "朔川统一服务"),
+]
+
+# What the settings page holds behind it.
+FIELDS = [
+    ("combo box", "日志级别", ""),
+    ("spin button", "保留时间", "天"),
+    ("check box", "开启RPC日志", ""),
+    ("spin button", "超时时间", "秒"),
+    ("spin button", "任务调度线程数", ""),
+    ("spin button", "消息拉取频率", "分钟/次"),
+    ("spin button", "消息状态更新频率", "秒/次"),
+    ("spin button", "回执上传频率", "分钟/次"),
+]
+
+
+def within(node):
+    """The accessible NODE and all below it, in their order."""
+    # What was read before may have changed since; the client would go by its memory.
+    node.clear_cache()
+    yield node
+    for child in node:
+        if child:
+            yield from within(child)
+
+
+def is_showing(node):
+    return node.getState().contains(pyatspi.STATE_SHOWING)
+
+
+def shown(root, *roles):
+    return [node for node in within(root) if is_showing(node) and node.getRoleName() in roles]
+
+
+def labelled(root, role, name):
+    return [node for node in shown(root, role) if node.name == name]
+
+
+def wait_for(what, question):
+    """What QUESTION answers as soon as that is anything; the panel may be busy meanwhile."""
+    deadline = time.monotonic() + PATIENCE
+    while time.monotonic() < deadline:
+        try:
+            answer = question()
+        except GLib.Error:
+            answer = None
+        if answer:
+            return answer
+        time.sleep(PAUSE)
+    sys.exit(f"waited in vain for {what}")
+
+
+def compare(what, actual, expected):
+    if actual != expected:
+        sys.exit(f"{what}:\n  actual   {actual}\n  expected {expected}")
+
+
+def application():
+    for node in pyatspi.Registry.getDesktop(0):
+        if node and node.name == APPLICATION and node.childCount:
+            return node
+    return None
+
+
+def field_name(node):
+    """What NODE is called: the text of its label, if it has one, or its own name."""
+    for relation in node.getRelationSet():
+        if relation.getRelationType() == pyatspi.RELATION_LABELLED_BY:
+            return relation.getTarget(0).name
+    return node.name
+
+
+def press(node):
+    action = node.queryAction()
+    names = [action.getName(i) for i in range(action.nActions)]
+    if not action.doAction(names.index("Press")):
+        sys.exit(f"{node.name} can't be pressed")
+
+
+def cells(panel):
+    return [cell.name for cell in shown(panel, "table cell")]
+
+
+def check_names(panel):
+    actual = [
+        (node.getRoleName(), node.name)
+        for node in shown(panel, "label", "tree", "push button")
+        if node.name.strip() or node.getRoleName() != "label"
+    ]
+    # The frame of the node table is hidden, but Qt calls the table in it showing.
+    compare("what is shown", [entry for entry in actual if entry != ("tree", "服务节点")], SHOWN)
+
+    roles = ("combo box", "spin button", "check box")
+    compare(
+        "fields of the settings page",
+        [
+            (node.getRoleName(), field_name(node), node.description)
+            for node in within(panel)
+            if node.getRoleName() in roles
+        ],
+        FIELDS,
+    )
+
+
+def check_table(panel):
+    """Returns the process number that the row shows."""
+    row = wait_for("the row", lambda: cells(panel))
+    compare(
+        "headers", [header.name for header in shown(panel, "table column header")], HEADERS
+    )
+    compare("number of values", len(row), len(HEADERS))
+    command, pid, user, running, cpu, memory = row
+    compare("process", command, "Corvane")
+    compare("name of process " + pid, os.readlink(f"/proc/{pid}/exe").split("/")[-1], "Corvane")
+    compare("user", user, getpass.getuser())
+    for value, form in ((running, r"\d\d:\d\d"), (cpu, r"\d+\.\d%"), (memory, r"\d+\.\d%")):
+        if not re.fullmatch(form, value):
+            sys.exit(f"{value} isn't of the form {form}")
+
+    compare("the notice", labelled(panel, "label", NOTICE), [])
+    return int(pid)
+
+
+def check_repair(panel):
+    press(labelled(panel, "push button", REPAIR)[0])
+    wait_for("the box", lambda: labelled(panel, "label", NO_REPAIR))
+    (button,) = [node for node in shown(panel, "push button") if node.name == "OK"]
+    press(button)
+    wait_for("the box's end", lambda: not labelled(panel, "label", NO_REPAIR))
+
+
+def check_stop(panel, daemon):
+    os.kill(daemon, signal.SIGKILL)
+    wait_for("the notice", lambda: labelled(panel, "label", NOTICE))
+    compare("cells without a daemon", cells(panel), [])
+
+
+def main():
+    environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+    process = subprocess.Popen([sys.argv[1]], env=environment)
+    try:
+        panel = wait_for("the panel", application)
+        wait_for("the window", lambda: labelled(panel, "push button", REPAIR))
+        daemon = check_table(panel)
+        check_names(panel)
+        check_repair(panel)
+        check_stop(panel, daemon)
+        press(labelled(panel, "push button", "关闭")[0])
+        compare("exit status", process.wait(PATIENCE), 0)
+    finally:
+        process.kill()
+
+
+main()

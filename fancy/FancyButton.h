@@ -20,7 +20,8 @@ struct FancyButtonPrivate;
       it when the mouse is used, and the default action isn't triggered: connect clicked() to it.
     - The text is painted beneath the icon (an icon-only tool button shows its text where it has no
       icon). Give a button with an icon no text unless its icon covers it.
-    - A disabled button ignores the mouse and never shows the hover colour.
+    - A disabled button ignores the mouse and never shows the hover colour. One that is disabled
+      while it is held down comes up with the release all the same, and clicks nothing.
 
     Colours take effect with the next repaint; the setters don't ask for one unless they say so. An
     invalid colour paints no background.

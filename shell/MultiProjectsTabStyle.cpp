@@ -77,11 +77,12 @@ int MultiProjectsTabStyle::adjustItemSize() const
     for (int i = 0; i < count; ++i) {
         const QStyleOptionTab option = tabOption(*_tabBar, i);
         const int text = textWidth(metrics, option.text);
+        const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + PartSpacing;
+        const int space = pixelMetric(PM_TabBarTabHSpace, &option, _tabBar);
         // Asked and deliberately ignored: the height is fixed.
         pixelMetric(PM_TabBarTabVSpace, &option, _tabBar);
-        const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + PartSpacing;
-        const int tab = icon + text + pixelMetric(PM_TabBarTabHSpace, &option, _tabBar)
-                        + buttonWidth(option.leftButtonSize) + buttonWidth(option.rightButtonSize);
+        const int tab = icon + text + space + buttonWidth(option.leftButtonSize)
+                        + buttonWidth(option.rightButtonSize);
         if (tab > widestTab) {
             widestTab = tab;
             widestText = text;

@@ -75,6 +75,10 @@ function(panel_enable_lto target)
         set_target_properties(${target} PROPERTIES
             INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
             INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
+        get_target_property(type ${target} TYPE)
+        if(type STREQUAL "EXECUTABLE")
+            target_link_options(${target} PRIVATE -flto=auto)
+        endif()
     else()
         message(STATUS "Link-time optimisation is off: ${reason}")
     endif()

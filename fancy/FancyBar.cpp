@@ -4,8 +4,10 @@
 #include "fancy/FancyButton.h"
 #include "fancy/FancyTitleBar.h"
 #include "fancy/clearWhenDestroyed_p.h"
+#include "fancy/popUpBelow_p.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -42,6 +44,36 @@ void deleteUnplaced(Object *object)
     if (object && !object->parent())
         delete object;
 }
+
+//! Checks or unchecks \a action as triggering it would, without the signal triggered().
+void toggleChecked(QAction &action)
+{
+    const QActionGroup *group = action.actionGroup();
+    const bool staysChecked = action.isChecked() && group && group->isExclusive();
+    if (action.isCheckable() && !staysChecked)
+        action.toggle();
+}
+
+// A button whose clicked() triggers its default action. A tool button would trigger it by itself as
+// well, but not for the mouse, which is handled by the painted button.
+class ActionButton : public FancyButton
+{
+public:
+    using FancyButton::FancyButton;
+
+protected:
+    void nextCheckState() override
+    {
+        if (defaultAction())
+            toggleChecked(*defaultAction());
+    }
+    void mouseReleaseEvent(QMouseEvent *event) override
+    {
+        if (event->button() == Qt::LeftButton && rect().contains(event->localPos().toPoint()))
+            nextCheckState();
+        FancyButton::mouseReleaseEvent(event);
+    }
+};
 } // namespace
 
 // Red on purpose: it shows at once that an owner has set no colour.
@@ -61,6 +93,7 @@ FancyBarPrivate::~FancyBarPrivate()
     deleteUnplaced(m_menuWidget);
     deleteUnplaced(m_titleWidget);
     deleteUnplaced(m_logoLayout);
+    // Deliberately created and never placed, so no layout ever owns it.
     delete m_rightSpacerItem;
 }
 
@@ -126,6 +159,8 @@ void FancyBarPrivate::createTitleWidget()
 
 void FancyBarPrivate::createMenuWidget()
 {
+    if (m_menuWidget)
+        return;
     m_menuWidget = createRow();
     m_menuWidget->setVisible(false);
     clearWhenDestroyed(this, m_menuWidget);
@@ -149,7 +184,7 @@ void FancyBarPrivate::createMenuWidget()
 
 FancyButton *FancyBarPrivate::createActionButton(QAction *action)
 {
-    auto *button = new FancyButton(nullptr);
+    auto *button = new ActionButton(nullptr);
     button->setText(action->text());
     button->setToolTip(action->toolTip());
     button->setIcon(action->icon());
@@ -221,12 +256,16 @@ void FancyBarPrivate::menuTriggered(QMouseEvent *event)
     connect(menu, &QMenu::aboutToShow, this, &FancyBarPrivate::aboutToShowMenu);
     connect(menu, &QMenu::aboutToHide, this, &FancyBarPrivate::aboutToHideMenu);
 
-    if (m_menuButton != button) {
-        m_menuButton = button;
-        clearWhenDestroyed(this, m_menuButton);
-    }
-    menu->popup(event->screenPos().toPoint() - event->localPos().toPoint()
-                + QPoint(0, button->height()));
+    m_menuButton = button;
+    connect(button, &QObject::destroyed, this, &FancyBarPrivate::forgetMenuButton,
+            Qt::UniqueConnection);
+    popUpBelow(*button, *menu, *event);
+}
+
+void FancyBarPrivate::forgetMenuButton(QObject *gone)
+{
+    if (gone == m_menuButton)
+        m_menuButton = nullptr;
 }
 
 // A hook: nothing in the bar shows the window's icon.

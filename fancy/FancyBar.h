@@ -56,7 +56,10 @@ public:
     //! it.
     void setTextColor(const QColor &color);
 
-    //! Paints the bar in \a color from now on, and starts every bar that is created later with it.
+    /*!
+        Paints the bar in \a color from now on, and starts every bar that is created later with it.
+        An invalid colour paints this bar black and leaves later ones without a background.
+    */
     void setBackgroundColor(const QColor &color);
 
     /*!
@@ -67,10 +70,13 @@ public:
     void addAdditionalControl(QWidget *widget, AdditionalControlPosition position, int spacing);
 
     /*!
-        Adds a button that shows text, icon and tooltip of \a action and triggers it, as for a
-       widget; in the title row it is 25 pixels high. A press on the button of an action with a menu
-       opens the menu at the button's bottom left corner, and the button looks pressed while it is
-       open.
+        Adds a button that shows text, icon and tooltip of \a action and triggers it, in the same
+        place as a widget; in the title row it is 25 pixels high. A press of the mouse on the button
+        of an action with a menu opens the menu at the button's bottom left corner, and the button
+        looks pressed while it is open.
+
+        Mouse, keyboard and click() alike trigger the action once, and toggle it once where it is
+        checkable. For the mouse triggered() carries false even so: ask the action itself.
 
         Returns the button, or null for a null \a action. Where the row doesn't exist the button is
         placed nowhere: give it a parent, or it goes with the bar.
@@ -78,12 +84,12 @@ public:
     FancyButton *addAdditionalControl(QAction *action, AdditionalControlPosition position,
                                       int spacing);
 
-    //! Hands \a resizable to the title bar controller.
+    //! What titleBar()->resizable() returns from now on; false by default. Changes nothing else.
     void setWidgetResizable(bool resizable);
 
     /*!
-        Fixes the height of the bar and of its title row at \a height pixels where that is between
-       33 and 47, and otherwise at the height stored before, 32 by default.
+        Fixes the height of the bar and of its title row at \a height pixels where that is from 33
+        to 47, and otherwise at the height stored before, 32 by default.
     */
     void setTitleBarHeight(int height);
 
@@ -94,7 +100,10 @@ public:
     QSize sizeHint() const override;
 
 signals:
-    //! The title bar controller's windowResizable(), passed on.
+    /*!
+        The title bar controller's windowResizable(), passed on: the window was maximized where
+        \a resizable is false, and restored where it is true.
+    */
     void maximizationChanged(bool resizable);
 
 private:

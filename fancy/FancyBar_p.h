@@ -27,6 +27,7 @@ public:
     void createMenuWidget();
 
     FancyButton *createActionButton(QAction *action);
+    void forgetMenuButton(QObject *gone);
 
     void showQuickAccessBar(bool on);
     void showMenuBar(bool on);

@@ -4,6 +4,7 @@
 #include "fancy/colorToArgb.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPen>
@@ -21,6 +22,18 @@ constexpr qreal OutlineWidth = 1.0;
 //! Of the mark of the focus, in pixels.
 constexpr int FocusMargin = 3;
 constexpr int FocusWidth = 2;
+
+//! A pixmap of \a icon of \a size in device pixels, as far as the icon has one so large.
+QPixmap devicePixmap(const QIcon &icon, const QSize &size)
+{
+    // With the attribute QIcon takes a size for one in points and multiplies it once more.
+    const bool multiplies = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
+    const QPixmap pixmap = icon.pixmap(size, QIcon::Normal, QIcon::Off);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, multiplies);
+    return pixmap;
+}
+
 } // namespace
 
 FancyButton::FancyButton(QWidget *parent)
@@ -33,6 +46,8 @@ FancyButton::FancyButton(QWidget *parent)
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setColor(Qt::white);
+    // With it the base would open a menu that the keyboard or click() presses the button for.
+    disconnect(this, SIGNAL(pressed()), this, SLOT(_q_buttonPressed()));
 }
 
 FancyButton::~FancyButton()
@@ -126,6 +141,18 @@ void FancyButton::setRound(bool round)
 {
     if (d)
         d->m_bRound = round;
+}
+
+// The base swallows what reaches a disabled button. A button that was disabled while it was held
+// down must still come up.
+bool FancyButton::event(QEvent *event)
+{
+    if (d && !isEnabled() && event->type() == QEvent::MouseButtonRelease
+        && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+        d->m_bMousePress = false;
+        update();
+    }
+    return QToolButton::event(event);
 }
 
 // The base's handler would also announce the default action to the status bar: deliberately left
@@ -239,7 +266,7 @@ void FancyButton::paintIcon()
 
     const qreal ratio = devicePixelRatioF();
     const QSize deviceSize(qRound(size.width() * ratio), qRound(size.height() * ratio));
-    QPixmap pixmap = buttonIcon.pixmap(deviceSize, QIcon::Normal, QIcon::Off);
+    QPixmap pixmap = devicePixmap(buttonIcon, deviceSize);
     pixmap.setDevicePixelRatio(ratio);
 
     const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);

@@ -12,13 +12,16 @@ struct FancyButtonPrivate;
 
     Differences from QToolButton that a caller should know:
 
-    - The button shows no menu arrow and never opens a menu by itself.
+    - The button shows no menu arrow and never opens a menu by itself, neither for the mouse nor for
+      the keyboard nor for click(). As menuTriggered() is for the mouse alone, a menu that is to be
+      within reach of the keyboard needs a way of its own, such as a shortcut.
     - A left press or release acts on its own: a release inside the button emits clicked(false),
       wherever the button went down. The pressed() and released() signals and isDown() stay out of
-      it when the mouse is used.
+      it when the mouse is used, and the default action isn't triggered: connect clicked() to it.
     - The text is painted beneath the icon (an icon-only tool button shows its text where it has no
       icon). Give a button with an icon no text unless its icon covers it.
-    - A disabled button ignores the mouse and never shows the hover colour.
+    - A disabled button ignores the mouse and never shows the hover colour. One that is disabled
+      while it is held down comes up with the release all the same, and clicks nothing.
     - A black ring inside the button marks the focus where the keyboard has brought it.
 
     Colours take effect with the next repaint; the setters don't ask for one unless they say so. An
@@ -31,8 +34,8 @@ class FancyButton : public QToolButton
 public:
     /*!
         Creates an auto-raising, icon-only button with a border, white text, a translucent white
-        hover colour, a translucent black press colour and no colour at rest. \a parent is the
-       owner.
+        hover colour, a translucent black press colour and no colour at rest. It belongs to
+        \a parent.
     */
     explicit FancyButton(QWidget *parent = nullptr);
     ~FancyButton() override;
@@ -84,6 +87,7 @@ signals:
     void doubleClicked();
 
 protected:
+    bool event(QEvent *event) override;
     void enterEvent(QEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

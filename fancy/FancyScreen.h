@@ -13,8 +13,8 @@ class FancyScreen
 {
 public:
     /*!
-        Takes down every screen in the order in which the application reports them: with the
-       geometry of the virtual desktop that the screen belongs to, not with the screen's own.
+        Takes down every screen in the order in which the application reports them. Each is noted
+        with the geometry of the virtual desktop that it belongs to, not with its own.
     */
     FancyScreen();
 

@@ -3,6 +3,7 @@
 #include "fancy/FancyButton.h"
 #include "fancy/FancyTitleBar_p.h"
 #include "fancy/clearWhenDestroyed_p.h"
+#include "fancy/popUpBelow_p.h"
 
 #include <QAction>
 #include <QEvent>
@@ -21,24 +22,9 @@ const char *const MaximizeProperty = "maximizeProperty";
 constexpr int Light = 0;
 constexpr int Dark = 1;
 
-QIcon closeIcon()
+QIcon commandIcon(const char *command)
 {
-    return QIcon(QStringLiteral(":/client/resources/close.svg"));
-}
-
-QIcon minimizeIcon()
-{
-    return QIcon(QStringLiteral(":/client/resources/minimize.svg"));
-}
-
-QIcon maximizeIcon()
-{
-    return QIcon(QStringLiteral(":/client/resources/maximize.svg"));
-}
-
-QIcon restoreIcon()
-{
-    return QIcon(QStringLiteral(":/client/resources/restore.svg"));
+    return QIcon(QStringLiteral(":/client/resources/%1.svg").arg(QLatin1String(command)));
 }
 } // namespace
 
@@ -46,10 +32,10 @@ FancyTitleBarPrivate::FancyTitleBarPrivate()
 {
     // Both variants come from the same files on purpose; the icon setters are for other looks.
     for (const int variant : {Light, Dark}) {
-        m_closeIcon[variant] = closeIcon();
-        m_minimizeIcon[variant] = minimizeIcon();
-        m_maximizeIcon[variant] = maximizeIcon();
-        m_normalIcon[variant] = restoreIcon();
+        m_closeIcon[variant] = commandIcon("close");
+        m_minimizeIcon[variant] = commandIcon("minimize");
+        m_maximizeIcon[variant] = commandIcon("maximize");
+        m_normalIcon[variant] = commandIcon("restore");
     }
 }
 
@@ -94,6 +80,7 @@ FancyButton *FancyTitleBarPrivate::createButton(const QIcon &icon, const QString
                                                 const QColor &color)
 {
     auto *button = new FancyButton(m_mainWidget);
+    // Before the first tooltip: the filter makes the button's accessible name of it.
     button->installEventFilter(this);
     button->setIcon(icon);
     button->setToolTip(toolTip);
@@ -275,8 +262,13 @@ void FancyTitleBarPrivate::systemMenuTriggered(QMouseEvent *event)
     const auto *button = qobject_cast<FancyButton *>(sender());
     if (!m_menu || !event || !button)
         return;
-    m_menu->popup(event->screenPos().toPoint() - event->localPos().toPoint()
-                  + QPoint(0, button->height()));
+    popUpBelow(*button, *m_menu, *event);
+}
+
+void FancyTitleBarPrivate::forgetTitleWidget(QObject *gone)
+{
+    if (gone == m_titleWidget)
+        m_titleWidget = nullptr;
 }
 
 FancyTitleBar::FancyTitleBar(QWidget *parent)
@@ -300,8 +292,12 @@ void FancyTitleBar::setTitleWidget(QWidget *widget)
 {
     if (!d)
         return;
+    const auto forget = &FancyTitleBarPrivate::forgetTitleWidget;
+    if (d->m_titleWidget)
+        disconnect(d->m_titleWidget, &QObject::destroyed, d, forget);
     d->m_titleWidget = widget;
-    clearWhenDestroyed(d, d->m_titleWidget);
+    if (widget)
+        connect(widget, &QObject::destroyed, d, forget);
 }
 
 QWidget *FancyTitleBar::mainWidget() const

@@ -21,13 +21,14 @@ class QWidget;
     changeEvent() doesn't see it.
 
     The pictures come from the resources close.svg, minimize.svg, maximize.svg and restore.svg under
-    ":/client/resources/".
+    ":/client/resources/". Each is stored twice, as light and as dark variant, of the same file; the
+    dark variants are in use from the start.
 
     \section ownership Ownership
 
-    The title bar is a child of the main widget. So are the menu, the group and the buttons; the
-   group moves on to the widget in whose layout it is placed. Each of them may be destroyed before
-   the others: what is gone is null here, and operations that miss something do nothing.
+    The title bar is a child of the main widget, and so are the menu, the group and the buttons. The
+    group moves on to the widget in whose layout it is placed. Each of them may be destroyed before
+    the others: what is gone is null here, and operations that miss something do nothing.
 */
 class FancyTitleBar : public QObject
 {
@@ -51,27 +52,31 @@ public:
     QWidget *systemGroup() const;
 
     /*!
-        Set the icon of one button, until the title bar next applies the icons that it stores
-       itself: a state change does so for the maximize button.
+        Set the icon of one button, until the title bar next applies those that it has stored: the
+        maximize button gets the stored one with every change of the window's state.
     */
     void setCloseIcon(QIcon &icon);
     void setMinimizeIcon(QIcon &icon);
     void setMaximizeIcon(QIcon &icon);
 
     /*!
-        Stores \a icon as the light variant of the restore icon and, as long as the main widget is
-       not maximized, shows it on the maximize button at once. Does nothing without a main widget.
+        Stores \a icon as the light variant of the restore icon, which a maximized window's button
+        shows after setIconDark(false) and a state change. On a window that isn't maximized it also
+        shows at once on the maximize button, until the next state change. Does nothing without a
+        main widget.
     */
     void setNormalIcon(QIcon &icon);
 
-    //! Chooses the dark variants of the icons for the next state change; changes no icon now.
+    //! Chooses the dark or the light icons for the next state change; changes no icon now. The dark
+    //! ones are chosen by default.
     void setIconDark(bool dark);
 
     //! What resizable() returns; false by default. Emits nothing.
     void setWidgetResizable(bool resizable);
     //! Kept for handlers that move the window; true by default. Emits nothing.
     void setWidgetMovable(bool movable);
-    //! Kept for handlers that maximize the window; updateWidgetFlags() sets it as well.
+    //! Kept for handlers that maximize the window; false by default. updateWidgetFlags() sets it as
+    //! well.
     void setWidgetMaximizable(bool maximizable);
 
     //! Reads the main widget's window flags anew and shows the buttons whose hints they contain.

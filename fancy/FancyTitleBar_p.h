@@ -36,6 +36,8 @@ public:
     void restoreWidget(QWidget *widget);
     void maximizeWidget(QWidget *widget);
 
+    void forgetTitleWidget(QObject *gone);
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public slots:

@@ -43,5 +43,5 @@ until [ -n "${window:-}" ] && import -window "$window" "$picture" 2>/dev/null &&
     sleep 0.1
 done
 
-# The row that it shows is that of the daemon which the panel has started.
-kill -0 "$(sed -n 's/^pid=//p' "$record")"
+# The row is that of the daemon which the panel has started, unless one was running already.
+[ ! -f "$record" ] || kill -0 "$(sed -n 's/^pid=//p' "$record")"

@@ -20,7 +20,7 @@ cmake --build "$build" --target corvane-panel Corvane
 
 if [ -z "${DISPLAY:-}" ]; then
     rm -f "$picture"
-    "$project/tests/support/in-desktop.sh" --pid-namespace -- \
+    "$project/tests/support/in-desktop.sh" -- \
         "$project/scripts/picture-of-the-row.sh" "$build/bin/corvane-panel" "$picture"
     say "the page shows the daemon's row; a picture of the window: $picture"
     exit 0

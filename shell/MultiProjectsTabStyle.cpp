@@ -41,23 +41,19 @@ int buttonWidth(const QSize &size)
     return size.isEmpty() ? 0 : size.width() + PartSpacing;
 }
 
-// The tab bar's public calls give the same measures as its private tab list, and Qt promises them.
+//! Opens what a tab bar keeps for its subclasses.
+struct TabBarOpener : QTabBar
+{
+    using QTabBar::initStyleOption;
+};
+
+// What the tab bar promises its subclasses gives the same measures as its private tab list.
 QStyleOptionTab tabOption(const QTabBar &tabBar, int index)
 {
-    const auto buttonSize = [&](QTabBar::ButtonPosition position) {
-        const QWidget *button = tabBar.tabButton(index, position);
-        return button ? button->size() : QSize();
-    };
-
     QStyleOptionTab option;
-    option.initFrom(&tabBar);
-    option.shape = tabBar.shape();
+    (tabBar.*&TabBarOpener::initStyleOption)(&option, index);
+    // There the text is already cut to the tab's present width.
     option.text = tabBar.tabText(index);
-    option.icon = tabBar.tabIcon(index);
-    option.iconSize = tabBar.iconSize();
-    option.leftButtonSize = buttonSize(QTabBar::LeftSide);
-    option.rightButtonSize = buttonSize(QTabBar::RightSide);
-    option.documentMode = tabBar.documentMode();
     return option;
 }
 
@@ -82,8 +78,11 @@ int MultiProjectsTabStyle::adjustItemSize() const
         const QStyleOptionTab option = tabOption(*_tabBar, i);
         const int text = textWidth(metrics, option.text);
         const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + PartSpacing;
-        const int tab = icon + text + pixelMetric(PM_TabBarTabHSpace, &option, _tabBar)
-                        + buttonWidth(option.leftButtonSize) + buttonWidth(option.rightButtonSize);
+        const int space = pixelMetric(PM_TabBarTabHSpace, &option, _tabBar);
+        // Asked and deliberately ignored: the height is fixed.
+        pixelMetric(PM_TabBarTabVSpace, &option, _tabBar);
+        const int tab = icon + text + space + buttonWidth(option.leftButtonSize)
+                        + buttonWidth(option.rightButtonSize);
         if (tab > widestTab) {
             widestTab = tab;
             widestText = text;
@@ -107,6 +106,13 @@ void MultiProjectsTabStyle::polish(QWidget *widget)
     // Without it a tab bar never paints a tab as hovered, and not every base style sets it.
     if (qobject_cast<QTabBar *>(widget))
         widget->setAttribute(Qt::WA_Hover);
+}
+
+void MultiProjectsTabStyle::unpolish(QWidget *widget)
+{
+    if (qobject_cast<QTabBar *>(widget))
+        widget->setAttribute(Qt::WA_Hover, false);
+    QProxyStyle::unpolish(widget);
 }
 
 QSize MultiProjectsTabStyle::sizeFromContents(ContentsType type, const QStyleOption *option,

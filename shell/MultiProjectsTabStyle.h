@@ -38,6 +38,10 @@ public:
     //! Also makes a tab bar \a widget tell which of its tabs is under the mouse.
     void polish(QWidget *widget) override;
 
+    using QProxyStyle::unpolish;
+    //! Takes back what polish() did to \a widget.
+    void unpolish(QWidget *widget) override;
+
     QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
                            const QWidget *widget = nullptr) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,

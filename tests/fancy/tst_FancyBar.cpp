@@ -44,6 +44,7 @@ private slots:
     void hasNoSystemButtonsWithoutAWindow();
     void privatePartWithoutABarBuildsNothing();
     void buildsTheMenuRowOnRequest();
+    void buildsOneMenuRow();
     void backgroundIsPaintedAndHandedOn();
     void invalidBackgroundIsNotTakenOver();
     void storesTheTextColor();
@@ -306,6 +307,19 @@ void tst_FancyBar::buildsTheMenuRowOnRequest()
     QCOMPARE(d.m_middleSpacerItem->sizeHint(), QSize(0, 0));
 }
 
+void tst_FancyBar::buildsOneMenuRow()
+{
+    FancyBarPrivate &d = data();
+    d.createMenuWidget();
+    const QWidget *row = d.m_menuWidget;
+    const QHBoxLayout *area = d.m_menuAdditionalControlArea;
+
+    d.createMenuWidget();
+
+    QCOMPARE(d.m_menuWidget, row);
+    QCOMPARE(d.m_menuAdditionalControlArea, area);
+}
+
 void tst_FancyBar::backgroundIsPaintedAndHandedOn()
 {
     const QColor color(12, 34, 56);
@@ -328,6 +342,7 @@ void tst_FancyBar::invalidBackgroundIsNotTakenOver()
 {
     bar->setBackgroundColor(QColor());
     QVERIFY(!backgroundColor()->isValid());
+    QCOMPARE(bar->grab().toImage().pixelColor(1, 1), QColor(Qt::black));
 
     const FancyBar later(window.data());
 

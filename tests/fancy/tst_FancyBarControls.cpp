@@ -1,6 +1,8 @@
 #include "tests/fancy/privates.h"
 
+#include <QAccessible>
 #include <QAction>
+#include <QActionGroup>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -8,6 +10,25 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
+
+namespace {
+using Use = void (*)(FancyButton *);
+
+void addUses()
+{
+    QTest::addColumn<Use>("use");
+    QTest::newRow("mouse") << Use(
+            [](FancyButton *button) { QTest::mouseClick(button, Qt::LeftButton); });
+    QTest::newRow("keyboard") << Use(
+            [](FancyButton *button) { QTest::keyClick(button, Qt::Key_Space); });
+    QTest::newRow("click()") << Use([](FancyButton *button) { button->click(); });
+    QTest::newRow("assistive tool") << Use([](FancyButton *button) {
+        QAccessible::queryAccessibleInterface(button)->actionInterface()->doAction(
+                QAccessibleActionInterface::pressAction());
+    });
+}
+} // namespace
+Q_DECLARE_METATYPE(Use)
 
 class tst_FancyBarControls : public QObject
 {
@@ -24,7 +45,12 @@ private slots:
     void buttonShowsItsAction_data();
     void buttonShowsItsAction();
     void unplacedButtonIsKept();
+    void buttonTriggersItsAction_data();
     void buttonTriggersItsAction();
+    void buttonTogglesItsAction_data();
+    void buttonTogglesItsAction();
+    void buttonKeepsTheChosenActionOfAGroup_data();
+    void buttonKeepsTheChosenActionOfAGroup();
     void menuOpensAtTheButtonsCorner();
     void openMenuKeepsItsButtonPressed();
     void eachPressConnectsAnew();
@@ -173,15 +199,69 @@ void tst_FancyBarControls::unplacedButtonIsKept()
     QCOMPARE(data().m_additionalButtons.first(), button);
 }
 
+void tst_FancyBarControls::buttonTriggersItsAction_data()
+{
+    addUses();
+}
+
 void tst_FancyBarControls::buttonTriggersItsAction()
 {
+    QFETCH(Use, use);
     FancyButton *button = bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 0);
     const QSignalSpy triggered(action.data(), &QAction::triggered);
 
-    QTest::mouseClick(button, Qt::LeftButton);
+    use(button);
 
     QCOMPARE(triggered.count(), 1);
     QCOMPARE(triggered.first(), QVariantList {false});
+}
+
+void tst_FancyBarControls::buttonTogglesItsAction_data()
+{
+    addUses();
+}
+
+void tst_FancyBarControls::buttonTogglesItsAction()
+{
+    QFETCH(Use, use);
+    action->setCheckable(true);
+    FancyButton *button = bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 0);
+    const QSignalSpy triggered(action.data(), &QAction::triggered);
+    const QSignalSpy toggled(action.data(), &QAction::toggled);
+
+    use(button);
+    QVERIFY(action->isChecked());
+    QVERIFY(button->isChecked());
+    use(button);
+    QVERIFY(!action->isChecked());
+    QVERIFY(!button->isChecked());
+
+    QCOMPARE(triggered.count(), 2);
+    QCOMPARE(toggled.count(), 2);
+}
+
+void tst_FancyBarControls::buttonKeepsTheChosenActionOfAGroup_data()
+{
+    addUses();
+}
+
+void tst_FancyBarControls::buttonKeepsTheChosenActionOfAGroup()
+{
+    QFETCH(Use, use);
+    QActionGroup group(nullptr);
+    QAction *chosen = group.addAction(QStringLiteral("Chosen"));
+    QAction *other = group.addAction(QStringLiteral("Other"));
+    for (QAction *member : {chosen, other})
+        member->setCheckable(true);
+    chosen->setChecked(true);
+    const QSignalSpy triggered(chosen, &QAction::triggered);
+
+    use(bar->addAdditionalControl(chosen, FancyBar::TitlePosition, 0));
+    QVERIFY(chosen->isChecked());
+    QCOMPARE(triggered.count(), 1);
+    use(bar->addAdditionalControl(other, FancyBar::TitlePosition, 0));
+    QVERIFY(other->isChecked());
+    QVERIFY(!chosen->isChecked());
 }
 
 void tst_FancyBarControls::menuOpensAtTheButtonsCorner()

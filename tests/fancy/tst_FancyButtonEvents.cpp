@@ -41,6 +41,8 @@ private slots:
     void releasesAtAPoint_data();
     void releasesAtAPoint();
     void releaseWithoutAPressClicks();
+    void comesUpWhenDisabledMeanwhile();
+    void staysSelectedWhenDisabled();
     void otherButtonsReleaseNothing_data();
     void otherButtonsReleaseNothing();
     void doubleClicksWithTheLeftButtonOnly_data();
@@ -50,6 +52,9 @@ private slots:
     void menuIsNotTriggered_data();
     void menuIsNotTriggered();
     void mayBeDestroyedWhileItsMenuIsTriggered();
+    void clicksByTheKeyboard();
+    void neverOpensAMenuItself_data();
+    void neverOpensAMenuItself();
 
 private:
     QRgb centre() const;
@@ -231,14 +236,50 @@ void tst_FancyButtonEvents::releaseWithoutAPressClicks()
     QCOMPARE(clicked.count(), 1);
 }
 
+void tst_FancyButtonEvents::comesUpWhenDisabledMeanwhile()
+{
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                      ButtonPosition + Inside);
+    QVERIFY(data().m_bMousePress);
+
+    button->setEnabled(false);
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                        ButtonPosition + Inside);
+    QTest::mouseMove(window.data(), Aside);
+    QVERIFY(!data().m_bMousePress);
+    QTRY_COMPARE(centre(), NormalRgb);
+    button->setEnabled(true);
+
+    QVERIFY(!data().m_bMousePress);
+    QTRY_COMPARE(centre(), NormalRgb);
+    QCOMPARE(clicked.count(), 0);
+}
+
+void tst_FancyButtonEvents::staysSelectedWhenDisabled()
+{
+    button->select(true);
+
+    button->setEnabled(false);
+    QVERIFY(data().m_bMousePress);
+    QTRY_COMPARE(centre(), PressRgb);
+    button->setEnabled(true);
+
+    QVERIFY(data().m_bMousePress);
+    button->select(false);
+    QTRY_COMPARE(centre(), NormalRgb);
+}
+
 void tst_FancyButtonEvents::otherButtonsReleaseNothing_data()
 {
     QTest::addColumn<Qt::MouseButton>("mouseButton");
     QTest::addColumn<bool>("enabled");
 
-    QTest::newRow("right") << Qt::RightButton << true;
-    QTest::newRow("middle") << Qt::MiddleButton << true;
-    QTest::newRow("left, disabled") << Qt::LeftButton << false;
+    for (const bool enabled : {true, false}) {
+        const char *state = enabled ? "enabled" : "disabled";
+        QTest::addRow("right, %s", state) << Qt::RightButton << enabled;
+        QTest::addRow("middle, %s", state) << Qt::MiddleButton << enabled;
+    }
 }
 
 void tst_FancyButtonEvents::otherButtonsReleaseNothing()
@@ -366,6 +407,61 @@ void tst_FancyButtonEvents::mayBeDestroyedWhileItsMenuIsTriggered()
     opener->mousePressEvent(&press);
 
     QVERIFY(destroyed);
+}
+
+void tst_FancyButtonEvents::clicksByTheKeyboard()
+{
+    button->setHasMenu(true);
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+    const QSignalSpy menuTriggered(button, &FancyButton::menuTriggered);
+
+    QTest::keyPress(button, Qt::Key_Space);
+    QVERIFY(!data().m_bMousePress);
+    QCOMPARE(clicked.count(), 0);
+    QTest::keyRelease(button, Qt::Key_Space);
+
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(clicked.first(), QVariantList {false});
+    QCOMPARE(menuTriggered.count(), 0);
+}
+
+void tst_FancyButtonEvents::neverOpensAMenuItself_data()
+{
+    QTest::addColumn<bool>("byAction");
+    QTest::addColumn<bool>("byKeyboard");
+
+    QTest::newRow("own menu, keyboard") << false << true;
+    QTest::newRow("own menu, click()") << false << false;
+    QTest::newRow("menu of the action, keyboard") << true << true;
+    QTest::newRow("menu of the action, click()") << true << false;
+}
+
+void tst_FancyButtonEvents::neverOpensAMenuItself()
+{
+    QFETCH(bool, byAction);
+    QFETCH(bool, byKeyboard);
+    QMenu menu;
+    menu.addAction(QStringLiteral("Entry"));
+    // A tool button would open it within the press, and stay there until it is closed.
+    connect(&menu, &QMenu::aboutToShow, &menu, &QMenu::close, Qt::QueuedConnection);
+    const QSignalSpy opened(&menu, &QMenu::aboutToShow);
+    QAction action(QStringLiteral("Action"));
+    if (byAction) {
+        action.setMenu(&menu);
+        button->setDefaultAction(&action);
+    } else {
+        button->setMenu(&menu);
+    }
+    button->setPopupMode(QToolButton::InstantPopup);
+    const QSignalSpy clicked(button, &FancyButton::clicked);
+
+    if (byKeyboard)
+        QTest::keyClick(button, Qt::Key_Space);
+    else
+        button->click();
+
+    QCOMPARE(opened.count(), 0);
+    QCOMPARE(clicked.count(), 1);
 }
 
 QTEST_MAIN(tst_FancyButtonEvents)

@@ -67,6 +67,7 @@ class tst_FancyButtonPaint : public QObject
 
 private slots:
     void init();
+    void cleanup();
 
     void fillsTheWholeButton_data();
     void fillsTheWholeButton();
@@ -101,6 +102,11 @@ void tst_FancyButtonPaint::init()
     button.reset(new FancyButton(nullptr));
     button->setFixedSize(ButtonSize);
     button->setHasBorder(false);
+}
+
+void tst_FancyButtonPaint::cleanup()
+{
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
 }
 
 QImage tst_FancyButtonPaint::backdrop(const QSize &size)
@@ -240,12 +246,20 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp_data()
     QTest::addColumn<QSize>("buttonSize");
     QTest::addColumn<QSize>("iconSize");
     QTest::addColumn<QPoint>("corner");
+    QTest::addColumn<bool>("highDpiPixmaps");
 
     // Corners that lie on whole pixels at 1.5 as well.
-    QTest::newRow("square") << QSize(48, 32) << QSize(16, 16) << QPoint(16, 8);
-    QTest::newRow("oblong") << QSize(48, 32) << QSize(24, 8) << QPoint(12, 12);
-    QTest::newRow("rounded down") << QSize(49, 33) << QSize(16, 16) << QPoint(16, 8);
-    QTest::newRow("as large as the button") << QSize(48, 32) << QSize(48, 32) << QPoint(0, 0);
+    for (const bool on : {false, true}) {
+        const char *attribute = on ? "with" : "without";
+        QTest::addRow("square, %s", attribute)
+                << QSize(48, 32) << QSize(16, 16) << QPoint(16, 8) << on;
+        QTest::addRow("oblong, %s", attribute)
+                << QSize(48, 32) << QSize(24, 8) << QPoint(12, 12) << on;
+        QTest::addRow("rounded down, %s", attribute)
+                << QSize(49, 33) << QSize(16, 16) << QPoint(16, 8) << on;
+        QTest::addRow("as large as the button, %s", attribute)
+                << QSize(48, 32) << QSize(48, 32) << QPoint(0, 0) << on;
+    }
 }
 
 void tst_FancyButtonPaint::iconIsCentredAndSharp()
@@ -253,6 +267,8 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp()
     QFETCH(QSize, buttonSize);
     QFETCH(QSize, iconSize);
     QFETCH(QPoint, corner);
+    QFETCH(bool, highDpiPixmaps);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, highDpiPixmaps);
     const qreal ratio = qApp->devicePixelRatio();
     const QPixmap exact = checkered((QSizeF(iconSize) * ratio).toSize());
     QIcon icon(exact);
@@ -273,6 +289,7 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp()
                             ? qgetenv("QT_SCALE_FACTOR").toDouble()
                             : 1.0);
     QCOMPARE(imageOf(*button), expected);
+    QCOMPARE(QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps), highDpiPixmaps);
 }
 
 void tst_FancyButtonPaint::smallIconIsDrawnAtTheIconSize()

@@ -13,6 +13,20 @@
     and dangling pointers; the tests use what is left.
 */
 
+namespace {
+//! Opens what an object keeps for its subclasses.
+struct Opener : QObject
+{
+    using QObject::receivers;
+};
+
+//! How many wait for the end of \a object.
+int watchers(const QObject &object)
+{
+    return (object.*&Opener::receivers)(SIGNAL(destroyed(QObject *)));
+}
+} // namespace
+
 class tst_FancyLifetime : public QObject
 {
     Q_OBJECT
@@ -27,11 +41,13 @@ private slots:
     void titleBarForgetsWhatGoesWithTheBar();
     void titleBarForgetsItsMenuAndTitleWidget();
     void titleBarKeepsALaterTitleWidget();
+    void titleBarWatchesItsTitleWidgetOnce();
     void buttonsOutliveTheTitleBar();
     void barForgetsTheTitleBar();
     void barForgetsItsRows();
     void barForgetsItsButtons();
     void barForgetsTheButtonOfTheOpenMenu();
+    void barWatchesTheButtonOfTheOpenMenuOnce();
     void buttonOutlivesItsAction();
     void unplacedThingsGoWithTheBar();
     void placedThingsGoWithTheirPlace();
@@ -205,6 +221,32 @@ void tst_FancyLifetime::titleBarKeepsALaterTitleWidget()
     QCOMPARE(TitleBarData::of(*titleBar)->m_titleWidget, &later);
 }
 
+void tst_FancyLifetime::titleBarWatchesItsTitleWidgetOnce()
+{
+    const QWidget strip;
+    QWidget first;
+    QWidget second;
+    const int before = watchers(strip);
+    for (int i = 0; i < 3; ++i) {
+        titleBar->setTitleWidget(&first);
+        titleBar->setTitleWidget(&first);
+        QCOMPARE(watchers(first), before + 1);
+        QCOMPARE(watchers(second), before);
+        titleBar->setTitleWidget(&second);
+        QCOMPARE(watchers(first), before);
+        QCOMPARE(watchers(second), before + 1);
+    }
+    titleBar->setTitleWidget(nullptr);
+    QCOMPARE(watchers(second), before);
+
+    // The main widget may be its own strip, and is still known to be gone afterwards.
+    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
+    const int mainBefore = watchers(*d.m_mainWidget);
+    titleBar->setTitleWidget(d.m_mainWidget);
+    titleBar->setTitleWidget(nullptr);
+    QCOMPARE(watchers(*d.m_mainWidget), mainBefore);
+}
+
 void tst_FancyLifetime::buttonsOutliveTheTitleBar()
 {
     FancyButton *close = TitleBarData::of(*titleBar)->m_closeButton;
@@ -266,6 +308,19 @@ void tst_FancyLifetime::barForgetsTheButtonOfTheOpenMenu()
     menu->hide();
 
     QVERIFY(!menu->isVisible());
+}
+
+void tst_FancyLifetime::barWatchesTheButtonOfTheOpenMenuOnce()
+{
+    FancyButton *button = BarData::of(*bar)->m_additionalButtons.at(0);
+    const int before = watchers(*button);
+    for (int i = 0; i < 3; ++i) {
+        BarData::of(*bar)->m_menuButton = nullptr;
+        QTest::mousePress(button, Qt::LeftButton);
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
+        QCOMPARE(watchers(*button), before + 1);
+    }
 }
 
 void tst_FancyLifetime::buttonOutlivesItsAction()

@@ -42,6 +42,8 @@ public:
     int pixelMetric(PixelMetric metric, const QStyleOption *option,
                     const QWidget *widget) const override
     {
+        if (const auto *tab = qstyleoption_cast<const QStyleOptionTab *>(option))
+            asked.append({metric, *tab, widget});
         return metric == PM_TabBarTabHSpace ? HSpace
                                             : QProxyStyle::pixelMetric(metric, option, widget);
     }
@@ -62,7 +64,16 @@ public:
         drawn.append(element);
     }
 
+    struct Question
+    {
+        PixelMetric metric;
+        QStyleOptionTab option;
+        const QWidget *widget;
+    };
+
     mutable QVector<ControlElement> drawn;
+    //! The metrics of tabs.
+    mutable QVector<Question> asked;
 };
 
 //! A tab bar of its own in a parent, and the style that measures it.
@@ -145,6 +156,9 @@ class tst_MultiProjectsTabStyle : public QObject
 
 private slots:
     void isActived();
+    void declaresNothing();
+    void asksForEachTab();
+    void switchesHoveringOnAndOff();
     void width_data();
     void width();
     void widthByKnownNumbers();
@@ -159,6 +173,7 @@ private slots:
     void iconPlace_data();
     void iconPlace();
     void iconIsNormalAndOff();
+    void iconIsSharp();
     void textColor_data();
     void textColor();
     void textPlaceAndElision_data();
@@ -171,6 +186,64 @@ void tst_MultiProjectsTabStyle::isActived()
 {
     Bar bar;
     QVERIFY(IsActived::of(bar.style));
+}
+
+void tst_MultiProjectsTabStyle::declaresNothing()
+{
+    const QMetaObject &meta = MultiProjectsTabStyle::staticMetaObject;
+    QCOMPARE(meta.className(), "MultiProjectsTabStyle");
+    QCOMPARE(meta.methodCount(), meta.methodOffset());
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+}
+
+void tst_MultiProjectsTabStyle::asksForEachTab()
+{
+    Bar bar;
+    bar.addTab(QStringLiteral("first"), true);
+    bar.addTab(wide(60));
+    bar.bar->setCurrentIndex(1);
+    bar.bar->resize(120, 32);
+    bar.base->asked.clear();
+
+    bar.style.adjustItemSize();
+
+    const QVector<BaseStyle::Question> &asked = bar.base->asked;
+    QCOMPARE(asked.size(), 4);
+    for (int i = 0; i < 4; ++i) {
+        const int tab = i / 2;
+        const QStyleOptionTab &option = asked.at(i).option;
+        QCOMPARE(asked.at(i).metric,
+                 i % 2 == 0 ? QStyle::PM_TabBarTabHSpace : QStyle::PM_TabBarTabVSpace);
+        QCOMPARE(asked.at(i).widget, bar.bar);
+        QCOMPARE(option.text, bar.bar->tabText(tab));
+        QCOMPARE(option.icon.isNull(), tab == 1);
+        QCOMPARE(option.iconSize, bar.bar->iconSize());
+        QCOMPARE(option.rect, bar.bar->tabRect(tab));
+        QCOMPARE(option.row, 0);
+        QCOMPARE(option.state.testFlag(QStyle::State_Selected), tab == 1);
+        QCOMPARE(option.position, tab == 0 ? QStyleOptionTab::Beginning : QStyleOptionTab::End);
+        QCOMPARE(option.selectedPosition,
+                 tab == 0 ? QStyleOptionTab::NextIsSelected : QStyleOptionTab::NotAdjacent);
+    }
+}
+
+void tst_MultiProjectsTabStyle::switchesHoveringOnAndOff()
+{
+    Bar bar;
+    QWidget other;
+    bar.bar->setAttribute(Qt::WA_Hover, false);
+
+    bar.style.polish(bar.bar);
+    QVERIFY(bar.bar->testAttribute(Qt::WA_Hover));
+    bar.style.unpolish(bar.bar);
+    QVERIFY(!bar.bar->testAttribute(Qt::WA_Hover));
+
+    other.setAttribute(Qt::WA_Hover);
+    bar.style.unpolish(&other);
+    QVERIFY(other.testAttribute(Qt::WA_Hover));
+    other.setAttribute(Qt::WA_Hover, false);
+    bar.style.polish(&other);
+    QVERIFY(!other.testAttribute(Qt::WA_Hover));
 }
 
 void tst_MultiProjectsTabStyle::width_data()
@@ -449,6 +522,39 @@ void tst_MultiProjectsTabStyle::iconIsNormalAndOff()
     });
     QCOMPARE(boundsOf(image, qRgb(255, 0, 0)).size(), QSize(16, 16));
     QCOMPARE(boundsOf(image, qRgb(0, 0, 255)), QRect());
+}
+
+// Runs once more on a denser screen. Neighbouring pixels of the icon differ: any scaling shows.
+void tst_MultiProjectsTabStyle::iconIsSharp()
+{
+    const qreal ratio = qApp->devicePixelRatio();
+    QCOMPARE(ratio, qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
+                            ? qgetenv("QT_SCALE_FACTOR").toDouble()
+                            : 1.0);
+    QImage picture((QSizeF(16, 16) * ratio).toSize(), QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, (x + y) % 2 == 0 ? White : Blue);
+    Bar bar;
+    QStyleOptionTab option = tabOption(QStyle::State_None);
+    option.rect = QRect(10, 0, 120, 32);
+    option.text.clear();
+    option.icon = QIcon(QPixmap::fromImage(picture));
+    option.icon.addPixmap(QPixmap(picture.size() * 2));
+    option.icon.addPixmap(QPixmap(picture.size() / 2));
+
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QImage image((QSizeF(150, 50) * ratio).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Ground);
+    QPainter painter(&image);
+    bar.style.drawControl(QStyle::CE_TabBarTabLabel, &option, &painter);
+    painter.end();
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
+
+    image.setDevicePixelRatio(1);
+    const QPoint corner = QPoint(18, 8) * ratio;
+    QCOMPARE(image.copy(QRect(corner, picture.size())), picture);
 }
 
 void tst_MultiProjectsTabStyle::textColor_data()

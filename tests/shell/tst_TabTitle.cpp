@@ -6,6 +6,7 @@
 #include <QIcon>
 #include <QImage>
 #include <QLabel>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QPixmap>
 #include <QPointer>
@@ -13,6 +14,7 @@
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTranslator>
 
 namespace {
 
@@ -42,6 +44,31 @@ struct Header
     QImage picture() { return title.grab().toImage(); }
 };
 
+//! Marks each text that it is asked for with its context.
+class MarkingTranslator : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *sourceText, const char * /*disambiguation*/,
+                      int /*n*/) const override
+    {
+        return QLatin1String(context) + QLatin1Char('/') + QString::fromUtf8(sourceText);
+    }
+};
+
+//! Writes down whose events it is asked to filter.
+class FilteringTitle : public TabTitle
+{
+public:
+    QVector<QPair<QObject *, QEvent::Type>> filtered;
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        filtered.append({watched, event->type()});
+        return TabTitle::eventFilter(watched, event);
+    }
+};
+
 } // namespace
 
 class tst_TabTitle : public QObject
@@ -52,6 +79,9 @@ private slots:
     void header();
     void formKeepsAName();
     void formTexts();
+    void translatesItsTexts();
+    void filtersTheLabel();
+    void declaresOneSignal();
     void layout();
     void labels_data();
     void labels();
@@ -104,6 +134,45 @@ void tst_TabTitle::formTexts()
     QCOMPARE(header.labelIcon->text(), QString());
     QCOMPARE(header.label->text(), QStringLiteral("朔川统一服务"));
     QVERIFY(header.label->testAttribute(Qt::WA_MouseTracking));
+}
+
+void tst_TabTitle::translatesItsTexts()
+{
+    MarkingTranslator translator;
+    QCoreApplication::installTranslator(&translator);
+    Header header;
+    QCoreApplication::removeTranslator(&translator);
+
+    QCOMPARE(header.title.windowTitle(), QStringLiteral("TabTitle/Form"));
+    QCOMPARE(header.labelSpace->text(), QStringLiteral("TabTitle/TextLabel"));
+    QCOMPARE(header.label->text(), QStringLiteral("TabTitle/朔川统一服务"));
+    QCOMPARE(header.labelIcon->text(), QString());
+    QCOMPARE(header.tabWidget->tabText(0), QStringLiteral("运行状态"));
+    QCOMPARE(header.tabWidget->tabText(1), QStringLiteral("服务设置"));
+}
+
+void tst_TabTitle::filtersTheLabel()
+{
+    FilteringTitle title;
+    auto *label = title.findChild<QLabel *>(QStringLiteral("label"));
+    title.filtered.clear();
+
+    QEvent event(QEvent::User);
+    QCoreApplication::sendEvent(label, &event);
+
+    const QVector<QPair<QObject *, QEvent::Type>> once {{label, QEvent::User}};
+    QCOMPARE(title.filtered, once);
+}
+
+void tst_TabTitle::declaresOneSignal()
+{
+    const QMetaObject &meta = TabTitle::staticMetaObject;
+    QCOMPARE(meta.className(), "TabTitle");
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
+    const QMetaMethod method = meta.method(meta.methodOffset());
+    QCOMPARE(method.methodSignature(), QByteArray("tabIndexChanged(int)"));
+    QCOMPARE(method.methodType(), QMetaMethod::Signal);
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
 }
 
 void tst_TabTitle::layout()
@@ -394,7 +463,8 @@ void tst_TabTitle::paintsAHoveredTab()
 
     QTest::mouseMove(bar, bar->tabRect(1).center());
     QTRY_COMPARE(colorAt(inside), QColor(246, 247, 249));
-    QVERIFY(colorAt(rim) != QColor(246, 247, 249));
+    // The rim shows what lies beneath the tab bar.
+    QCOMPARE(colorAt(rim), bar->palette().color(QPalette::Window));
     QTest::mouseMove(bar, bar->tabRect(0).center());
     QTRY_COMPARE(colorAt(inside), QColor(215, 215, 222));
     QCOMPARE(colorAt(bar->tabRect(0).topLeft()), QColor(255, 255, 255));

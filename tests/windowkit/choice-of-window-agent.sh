@@ -17,11 +17,12 @@ trap 'rm -rf "$work"' EXIT
 failures=0
 
 # make_package NAME DECLARATION [COMPONENT...]: a package whose agent's base class has DECLARATION.
+# Each component has include folders of its own, and none names the other.
 make_package() {
     local prefix=$work/$1 declaration=$2
     shift 2
-    mkdir -p "$prefix"/include/QWKCore "$prefix"/include/QWKWidgets "$prefix"/lib/cmake/QWindowKit
-    cat >"$prefix/include/QWKCore/windowagentbase.h" <<-HEADER
+    mkdir -p "$prefix"/Core/QWKCore "$prefix"/Widgets/QWKWidgets "$prefix"/lib/cmake/QWindowKit
+    cat >"$prefix/Core/QWKCore/windowagentbase.h" <<-HEADER
 		#pragma once
 		#include <QObject>
 		#include <QPoint>
@@ -29,8 +30,24 @@ make_package() {
 		class WindowAgentBase : public QObject
 		{
 		    Q_OBJECT
+		public:
+		    explicit WindowAgentBase(QObject *parent = nullptr);
 		signals:
 		    $declaration
+		};
+		}
+	HEADER
+    cat >"$prefix/Widgets/QWKWidgets/widgetwindowagent.h" <<-HEADER
+		#pragma once
+		#include <QWKCore/windowagentbase.h>
+		#include <QWidget>
+		namespace QWK {
+		class WidgetWindowAgent : public WindowAgentBase
+		{
+		    Q_OBJECT
+		public:
+		    explicit WidgetWindowAgent(QObject *parent = nullptr);
+		    bool setup(QWidget *window);
 		};
 		}
 	HEADER
@@ -40,15 +57,47 @@ make_package() {
         for component in "$@"; do
             echo "add_library(QWindowKit::$component INTERFACE IMPORTED)"
             echo "set_target_properties(QWindowKit::$component PROPERTIES"
-            echo "    INTERFACE_INCLUDE_DIRECTORIES \"$prefix/include\")"
+            echo "    INTERFACE_INCLUDE_DIRECTORIES \"$prefix/$component\")"
         done
     } >"$prefix/lib/cmake/QWindowKit/QWindowKitConfig.cmake"
+}
+
+# configuration NAME: replaces the configuration of the package NAME by what comes in.
+configuration() {
+    cat >"$work/$1/lib/cmake/QWindowKit/QWindowKitConfig.cmake"
 }
 
 make_package with 'bool inTitleBarDraggableArea(const QPoint &pos);' Core Widgets
 make_package without 'void titleBarChanged();' Core Widgets
 make_package void 'void inTitleBarDraggableArea(const QPoint &pos);' Core Widgets
 make_package core-only 'bool inTitleBarDraggableArea(const QPoint &pos);' Core
+make_package no-header 'bool inTitleBarDraggableArea(const QPoint &pos);' Core Widgets
+rm "$work/no-header/Widgets/QWKWidgets/widgetwindowagent.h"
+
+make_package alias 'bool inTitleBarDraggableArea(const QPoint &pos);'
+configuration alias <<'CONFIGURATION'
+foreach(component IN ITEMS Core Widgets)
+    add_library(own_${component} INTERFACE)
+    target_include_directories(own_${component} INTERFACE
+        "${CMAKE_CURRENT_LIST_DIR}/../../../${component}")
+    add_library(QWindowKit::${component} ALIAS own_${component})
+endforeach()
+CONFIGURATION
+
+# Its targets are everywhere, as those of a package that is built along are.
+make_package global 'void titleBarChanged();'
+configuration global <<'CONFIGURATION'
+foreach(component IN ITEMS Core Widgets)
+    add_library(QWindowKit::${component} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(QWindowKit::${component} INTERFACE
+        "${CMAKE_CURRENT_LIST_DIR}/../../../${component}")
+endforeach()
+CONFIGURATION
+
+make_package broken 'bool inTitleBarDraggableArea(const QPoint &pos);'
+configuration broken <<'CONFIGURATION'
+message(FATAL_ERROR "This package is beyond repair")
+CONFIGURATION
 
 # The module's surroundings in the panel's own tree, and a line that tells whose target came out.
 mkdir "$work/project"
@@ -118,17 +167,28 @@ expect() {
 missing='no QWindowKit with the components Core and Widgets is installed where CMake looks'
 no_signal="doesn't declare the signal bool inTitleBarDraggableArea(const QPoint &)"
 
+no_import="doesn't import its targets QWindowKit::Core and QWindowKit::Widgets"
+unreadable="the QWindowKit that CMake finds can't be read"
+
 expect '' nowhere bundled "$missing"
 expect auto nowhere bundled "$missing"
 expect auto with installed
 expect auto without bundled "the QWindowKit in $work/without/"
 expect auto void bundled "$no_signal"
 expect auto core-only bundled "$missing"
+expect auto no-header bundled "$no_signal"
+expect auto alias bundled "$no_import"
+expect auto global bundled "$no_signal"
+expect auto broken bundled "$unreadable"
 expect system with installed
 expect system without error "$no_signal"
 expect system void error "$no_signal"
 expect system nowhere error "$missing"
 expect system core-only error "$missing"
+expect system no-header error "$no_signal"
+expect system alias error "$no_import"
+expect system global error "$no_signal"
+expect system broken error "$unreadable"
 expect bundled with bundled
 expect bundled nowhere bundled
 for choice in Auto AUTO autox system,bundled ON; do
@@ -147,6 +207,30 @@ expect_tree() {
 
 expect_tree system with no
 expect_tree auto without yes
+
+# With an installed agent the shell room is compiled, and so is what links the whole panel. The tree
+# is part of another one here.
+mkdir "$work/parent"
+cat >"$work/parent/consumer.cpp" <<'CONSUMER'
+#include <QWKCore/windowagentbase.h>
+#include <QWKWidgets/widgetwindowagent.h>
+#include "shell/ServiceContainer.h"
+CONSUMER
+cat >"$work/parent/CMakeLists.txt" <<PROJECT
+cmake_minimum_required(VERSION 3.16)
+project(parent LANGUAGES CXX)
+add_subdirectory("$source" panel)
+add_library(consumer OBJECT consumer.cpp)
+target_link_libraries(consumer PRIVATE panel)
+set_target_properties(consumer PROPERTIES POSITION_INDEPENDENT_CODE ON)
+PROJECT
+
+output=$(configure "$work/parent" "$work/parent/build" with -DPANEL_WINDOW_AGENT=system \
+    -DCMAKE_OPTIMIZE_DEPENDENCIES=ON -DPANEL_LTO=OFF) || complain 'the tree as a part' "$output"
+for target in panel_shell consumer; do
+    output=$("$cmake" --build "$work/parent/build" --target "$target" 2>&1) \
+        || complain "$target with an installed agent" "$output"
+done
 
 [ "$failures" -eq 0 ] || exit 1
 echo 'Every choice was right.'

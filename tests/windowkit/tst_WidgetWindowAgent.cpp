@@ -10,6 +10,10 @@
 #include <QTest>
 #include <QWindow>
 
+#include <algorithm>
+#include <array>
+#include <new>
+
 Q_DECLARE_METATYPE(Qt::MouseButton)
 
 class tst_WidgetWindowAgent : public QObject
@@ -37,6 +41,8 @@ private slots:
     void letsAPressCloseAPopup();
     void isAliveRightAfterADrag();
     void outlivesItsWindow();
+    void mayBeDeletedByTheAnswer_data();
+    void mayBeDeletedByTheAnswer();
 };
 
 void tst_WidgetWindowAgent::cleanup()
@@ -398,6 +404,41 @@ void tst_WidgetWindowAgent::outlivesItsWindow()
     second.reset();
     xdotool(moveTo(WindowPosition + PagePoint) + click(1));
     QTRY_COMPARE(other.page->events.size(), 2);
+}
+
+void tst_WidgetWindowAgent::mayBeDeletedByTheAnswer_data()
+{
+    QTest::addColumn<bool>("mayDrag");
+    QTest::newRow("may drag") << true;
+    QTest::newRow("may not drag") << false;
+}
+
+void tst_WidgetWindowAgent::mayBeDeletedByTheAnswer()
+{
+    QFETCH(bool, mayDrag);
+    constexpr char Trace = 'x';
+    // In memory of the test, so that a later touch shows.
+    alignas(QWK::WidgetWindowAgent) std::array<char, sizeof(QWK::WidgetWindowAgent)> memory {};
+    auto *agent = new (memory.data()) QWK::WidgetWindowAgent;
+    Window window;
+    agent->setup(&window);
+    window.present();
+    int questions = 0;
+    const auto answer = [&] {
+        ++questions;
+        agent->~WidgetWindowAgent();
+        memory.fill(Trace);
+        return mayDrag;
+    };
+    connect(agent, &QWK::WindowAgentBase::inTitleBarDraggableArea, &window, answer);
+
+    xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft + ReleaseLeft);
+
+    QTRY_COMPARE(questions, 1);
+    if (!mayDrag)
+        QTRY_COMPARE(window.header->events, PressAndRelease);
+    settle(window);
+    QVERIFY(std::all_of(memory.begin(), memory.end(), [](char byte) { return byte == Trace; }));
 }
 
 QTEST_MAIN(tst_WidgetWindowAgent)

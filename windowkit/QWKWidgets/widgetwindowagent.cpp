@@ -82,7 +82,12 @@ bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
     if (event.button() != Qt::LeftButton)
         return false;
 
-    m_isDragging = emit inTitleBarDraggableArea(event.pos());
+    // Whoever answers may delete the agent, for instance with its window.
+    const QPointer<WidgetWindowAgent> self(this);
+    const bool mayDrag = emit inTitleBarDraggableArea(event.pos());
+    if (!self)
+        return mayDrag;
+    m_isDragging = mayDrag;
     if (!m_isDragging)
         return false;
 

@@ -12,9 +12,9 @@ public:
     QString translate(const char *context, const char *sourceText, const char *disambiguation,
                       int /*n*/) const override
     {
-        return QStringLiteral("%1|%2|%3").arg(QString::fromUtf8(context),
-                                              QString::fromUtf8(sourceText),
-                                              QString::fromUtf8(disambiguation));
+        return QStringLiteral("%1|%2|%3")
+                .arg(QString::fromUtf8(context), QString::fromUtf8(sourceText),
+                     QString::fromUtf8(disambiguation));
     }
     bool isEmpty() const override { return false; }
 };

@@ -118,6 +118,8 @@ QWidget *createMenuRow(FancyBar *bar, QAction *action)
     FancyBarPrivate *data = BarData::of(*bar);
     data->createMenuWidget();
     auto *menuBar = new QMenuBar;
+    // Styles draw a line beneath a menu bar, which looks stray in a row with other things.
+    menuBar->setStyleSheet(QStringLiteral("QMenuBar{background:transparent;border:none;}"));
     menuBar->addAction(QStringLiteral("Menu row"));
     menuBar->addAction(QStringLiteral("Menu bar"));
     data->m_menuBarArea->addWidget(menuBar);

@@ -172,7 +172,11 @@ void Inspector::answerAll(QLocalSocket *socket)
         stream >> question;
         if (!stream.commitTransaction())
             return;
-        stream << answer(question);
+        QByteArray message;
+        QDataStream content(&message, QIODevice::WriteOnly);
+        content.setVersion(QDataStream::Qt_5_14);
+        content << answer(question);
+        stream << message;
         socket->flush();
     }
 }

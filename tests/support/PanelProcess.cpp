@@ -231,11 +231,12 @@ QVariant PanelProcess::ask(const QString &what, QVariantMap question)
     stream << question;
     m_socket->flush();
 
-    QVariantMap answer;
+    // In one piece, so that a large picture is decoded once, when all of it is there.
+    QByteArray message;
     forever
     {
         stream.startTransaction();
-        stream >> answer;
+        stream >> message;
         if (stream.commitTransaction())
             break;
         if (!m_socket->waitForReadyRead(AnswerTimeoutMs)) {
@@ -243,6 +244,10 @@ QVariant PanelProcess::ask(const QString &what, QVariantMap question)
             return {};
         }
     }
+    QDataStream content(message);
+    content.setVersion(QDataStream::Qt_5_14);
+    QVariantMap answer;
+    content >> answer;
     const QString error = answer.value(QStringLiteral("error")).toString();
     if (!error.isEmpty())
         failTest(what + QStringLiteral(": ") + error);

@@ -198,7 +198,7 @@ void tst_Monitor::refreshesEveryThreeSeconds()
     constexpr int IntervalMs = 3000;
     constexpr int ToleranceMs = 900;
     constexpr int CallsBeforeTheFirstTick = 2;
-    constexpr int Ticks = 3;
+    constexpr int Ticks = 2;
     ShimFolder shims;
     const QString timesPath = shims.path() + QStringLiteral("/times");
     shims.add(QStringLiteral("pgrep"), "/bin/date +%s%3N >> '" + QFile::encodeName(timesPath)

@@ -11,6 +11,7 @@
 #include <QOpenGLContext>
 #include <QVariant>
 
+#include <array>
 #include <optional>
 
 #include <fcntl.h>
@@ -21,8 +22,8 @@ namespace {
 constexpr int ApplicationFontPointSize = 9;
 
 //! Variables that point at the panel's private libraries and must not reach its children.
-constexpr const char *PrivateVariables[] = {"LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH",
-                                            "QT_QPA_PLATFORM_PLUGIN_PATH"};
+constexpr std::array<const char *, 4> PrivateVariables = {
+        "LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH"};
 
 /*!
     Puts the null device in the place of each standard stream that is closed. Else the next files to

@@ -21,7 +21,9 @@ set(PANEL_WINDOW_AGENT "auto" CACHE STRING
     "Frameless-window agent: auto, system (an installed QWindowKit) or bundled")
 set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS auto system bundled)
 
-# Also makes CMake write the standard into the compile commands, where other tools read it.
+# Stated, so that it stands in the compile commands, where other tools read it.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 include(CheckPIESupported)
@@ -44,8 +46,8 @@ if(PANEL_HARDENING)
     if(NOT PANEL_SANITIZE)
         # Needs optimisation, and hides from the sanitizers what they look for.
         target_compile_options(panel_options INTERFACE
-            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
-            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+            $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
+            $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
     endif()
     target_link_options(panel_options INTERFACE -pie LINKER:-z,relro LINKER:-z,now)
 endif()
@@ -75,9 +77,11 @@ function(panel_enable_lto target)
         set_target_properties(${target} PROPERTIES
             INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
             INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
+        # For those that link a room without link-time optimisation, such as the tests.
+        target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffat-lto-objects>)
         get_target_property(type ${target} TYPE)
         if(type STREQUAL "EXECUTABLE")
-            target_link_options(${target} PRIVATE -flto=auto)
+            target_link_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-flto=auto>)
         endif()
     else()
         message(STATUS "Link-time optimisation is off: ${reason}")

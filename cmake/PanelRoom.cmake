@@ -28,9 +28,4 @@ function(panel_add_room room)
         VISIBILITY_INLINES_HIDDEN ON)
     set_property(SOURCE ${form_headers} PROPERTY SKIP_AUTOGEN ON)
     panel_enable_lto(${target})
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # For those that link the room without link-time optimisation, such as the tests.
-        target_compile_options(${target} PRIVATE
-            $<$<BOOL:$<TARGET_PROPERTY:INTERPROCEDURAL_OPTIMIZATION_RELEASE>>:-ffat-lto-objects>)
-    endif()
 endfunction()

@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Reads the running panel as a screen reader does, from outside over AT-SPI:
 
     check-accessibility.py PANEL

@@ -107,6 +107,9 @@ void tst_Repair::runningDaemonIsLeftAlone()
 
     QCOMPARE(m_panel->daemonPids(), daemons);
     QCOMPARE(m_panel->errorLines().size(), formerLines);
+    // Where the window manager has put it, and not before.
+    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
+    QTRY_VERIFY(m_panel->isExposed(QStringLiteral("QMessageBox")));
     m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
     QTRY_VERIFY(!m_panel->messageBox());
 }

@@ -286,6 +286,7 @@ void tst_Window::repairsWhileCovered()
     QTRY_VERIFY(m_panel->messageBox());
     QCOMPARE(m_panel->messageBox()->text, QStringLiteral("统一服务运行正常，无需修复。"));
     cover.hide();
+    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
     QTRY_VERIFY(m_panel->isExposed(QStringLiteral("QMessageBox")));
     m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
     QTRY_VERIFY(!m_panel->messageBox());

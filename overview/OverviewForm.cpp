@@ -157,14 +157,12 @@ void OverviewForm::syncOWInfo()
 {
     QStringList row;
 
-    const QList<QVariant> probe =
-            execute(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
+    const QList<QVariant> probe = run(*this, Daemon::probeCommand());
     if (!Daemon::isAnswer(probe)) {
         lastPid = Daemon::UnknownPid;
     } else {
         const qint64 pid = Daemon::pidOrZero(probe);
-        const QList<QVariant> detail =
-                execute(Daemon::shell(), Daemon::shellArguments(Daemon::detailCommand(pid)));
+        const QList<QVariant> detail = run(*this, Daemon::detailCommand(pid));
         const QString text = Daemon::outputText(detail);
         // Unlike the test of the probe, this one reads the output as a number and never looks at
         // the exit code, on purpose; and where it fails, lastPid keeps what it held.

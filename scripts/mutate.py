@@ -26,6 +26,7 @@ import json
 import os
 import random
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -52,6 +53,10 @@ CONFIGURATION = [
     "-DBUILD_TESTING=ON",
     "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache",
 ]
+
+# Most changes need several test programs linked anew.
+if shutil.which("ld.lld"):
+    CONFIGURATION.append("-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld")
 
 # Most of a change's time goes into reading Qt's headers: the room gets them precompiled.
 PRECOMPILE = """\

@@ -16,12 +16,16 @@ template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
 
 namespace {
 
-//! The shape of the override cursor at each line that is logged, -1 for none.
+//! The shape of the override cursor at each line that the page logs, -1 for none.
 QVector<int> cursorsWhileLogging;
 
-void noteCursor(QtMsgType /*type*/, const QMessageLogContext & /*context*/,
-                const QString & /*message*/)
+void noteCursor(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
+    // Qt has much to say of a display that is slow.
+    if (type != QtInfoMsg || qstrcmp(context.category, "default") != 0) {
+        fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+        return;
+    }
     const QCursor *cursor = QApplication::overrideCursor();
     cursorsWhileLogging.append(cursor ? int(cursor->shape()) : -1);
 }

@@ -52,6 +52,7 @@ private slots:
     void setColorSetsTheSheetAndStoresNothing();
     void setHasBorderAppliesTheTextColor();
     void setHasBorderAndSelectRepaint();
+    void comingUpRepaintsAlsoWhenDisabled();
     void selectChangesPressAndHover();
     void storesMenuAndRoundness();
     void toleratesAMissingPrivatePart();
@@ -214,6 +215,19 @@ void tst_FancyButton::setHasBorderAndSelectRepaint()
     QVERIFY(paintsAfter(button, [&] { button.setHasBorder(false); }) > 0);
     QVERIFY(paintsAfter(button, [&] { button.select(true); }) > 0);
     QVERIFY(paintsAfter(button, [&] { button.select(false); }) > 0);
+}
+
+void tst_FancyButton::comingUpRepaintsAlsoWhenDisabled()
+{
+    FancyButton button(nullptr);
+    showUnseen(button);
+    for (const bool isEnabled : {true, false}) {
+        button.setEnabled(isEnabled);
+        QCoreApplication::sendPostedEvents();
+        QMouseEvent release(QEvent::MouseButtonRelease, QPointF(-1, -1), Qt::LeftButton,
+                            Qt::NoButton, Qt::NoModifier);
+        QVERIFY(paintsAfter(button, [&] { QCoreApplication::sendEvent(&button, &release); }) > 0);
+    }
 }
 
 void tst_FancyButton::selectChangesPressAndHover()

@@ -78,6 +78,9 @@ private slots:
     void iconIsCentredAndSharp_data();
     void iconIsCentredAndSharp();
     void smallIconIsDrawnAtTheIconSize();
+    void smallIconIsScaledSmoothly();
+    void iconsOfOnePixelAreDrawn_data();
+    void iconsOfOnePixelAreDrawn();
     void iconIsTheNormalOneAlsoWhenDisabledOrChecked();
     void emptyIconSizePaintsNoIcon_data();
     void emptyIconSizePaintsNoIcon();
@@ -87,6 +90,7 @@ private slots:
     void showsNoMenuArrow_data();
     void showsNoMenuArrow();
     void paintingLeavesTheIconAlone();
+    void keyboardFocusIsARing();
 
 private:
     static QImage backdrop(const QSize &size = ButtonSize);
@@ -307,6 +311,47 @@ void tst_FancyButtonPaint::smallIconIsDrawnAtTheIconSize()
     QCOMPARE(imageOf(*button), expected);
 }
 
+void tst_FancyButtonPaint::smallIconIsScaledSmoothly()
+{
+    QImage halves(2, 2, QImage::Format_RGB32);
+    halves.fill(Qt::red);
+    halves.setPixelColor(1, 0, Qt::blue);
+    halves.setPixelColor(1, 1, Qt::blue);
+    button->setIconSize(QSize(16, 16));
+    button->setIcon(QPixmap::fromImage(halves));
+
+    const QImage image = imageOf(*button);
+
+    const qreal ratio = image.devicePixelRatio();
+    const QColor beforeTheMiddle(image.pixel((QPointF(23, 16) * ratio).toPoint()));
+    QVERIFY2(beforeTheMiddle.red() > 0 && beforeTheMiddle.blue() > 0,
+             qPrintable(beforeTheMiddle.name()));
+}
+
+void tst_FancyButtonPaint::iconsOfOnePixelAreDrawn_data()
+{
+    QTest::addColumn<QSize>("size");
+
+    QTest::newRow("wide") << QSize(10, 1);
+    QTest::newRow("high") << QSize(1, 10);
+}
+
+void tst_FancyButtonPaint::iconsOfOnePixelAreDrawn()
+{
+    QFETCH(QSize, size);
+    QPixmap red(64, 64);
+    red.fill(Qt::red);
+    button->setIconSize(size);
+    button->setIcon(red);
+
+    const QImage image = imageOf(*button);
+
+    const QPointF corner((ButtonSize.width() - size.width()) / 2,
+                         (ButtonSize.height() - size.height()) / 2);
+    const QPoint inside = (corner * image.devicePixelRatio()).toPoint();
+    QVERIFY(image.pixel(inside) != Backdrop);
+}
+
 void tst_FancyButtonPaint::iconIsTheNormalOneAlsoWhenDisabledOrChecked()
 {
     QPixmap red(64, 64);
@@ -478,6 +523,32 @@ void tst_FancyButtonPaint::paintingLeavesTheIconAlone()
     imageOf(*button);
 
     QCOMPARE(button->icon().cacheKey(), icon.cacheKey());
+}
+
+void tst_FancyButtonPaint::keyboardFocusIsARing()
+{
+    // The pointer may be anywhere.
+    button->setHoverColor(QColor());
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->show();
+    button->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(button.data()));
+    button->setFocus();
+    QTRY_VERIFY(button->hasFocus());
+    button->setAttribute(Qt::WA_KeyboardFocusChange, false);
+    QCOMPARE(imageOf(*button), backdrop());
+
+    button->setAttribute(Qt::WA_KeyboardFocusChange);
+    QImage expected = backdrop();
+    QPainter painter(&expected);
+    const QRect outer(3, 3, ButtonSize.width() - 6, ButtonSize.height() - 6);
+    painter.setClipRegion(QRegion(outer) - outer.adjusted(2, 2, -2, -2));
+    painter.fillRect(outer, Qt::black);
+    painter.end();
+    QCOMPARE(imageOf(*button), expected);
+
+    button->clearFocus();
+    QCOMPARE(imageOf(*button), backdrop());
 }
 
 QTEST_MAIN(tst_FancyButtonPaint)

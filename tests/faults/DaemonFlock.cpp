@@ -1,4 +1,5 @@
 #include "tests/faults/DaemonFlock.h"
+#include "tests/support/files.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -15,17 +16,13 @@ constexpr int StateTimeoutMs = 20000;
 //! process is gone.
 QByteArray processState(qint64 pid)
 {
-    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray line = file.readAll();
+    const QByteArray line = readFile(QStringLiteral("/proc/%1/stat").arg(pid));
     return line.mid(line.lastIndexOf(')') + 2);
 }
 
 QByteArray processName(qint64 pid)
 {
-    QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+    return readFile(QStringLiteral("/proc/%1/comm").arg(pid)).trimmed();
 }
 
 template<typename Condition>

@@ -5,6 +5,7 @@
 #include "tests/support/ProcessCounters.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/files.h"
 #include "tests/support/rounds.h"
 
 #include <QElapsedTimer>
@@ -161,12 +162,6 @@ public:
 private:
     QRandomGenerator m_random;
 };
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QByteArray takeFile(const QString &path)
 {

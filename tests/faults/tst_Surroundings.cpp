@@ -1,5 +1,6 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QTest>
@@ -31,19 +32,6 @@ QStringList bashBefore(const QString &preparation)
 {
     return {QStringLiteral("/bin/bash"), QStringLiteral("-c"),
             preparation + QStringLiteral("; exec \"$0\" \"$@\"")};
-}
-
-QByteArray fileContent(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("can't write %s", qPrintable(path));
 }
 
 } // namespace
@@ -89,7 +77,7 @@ void tst_Surroundings::comesUp(PanelProcess &panel, const QStringList &arguments
     QTRY_VERIFY(QFile::exists(recordPath));
     const QList<qint64> pids = panel.daemonPids();
     QCOMPARE(pids.size(), 1);
-    const QByteArray record = fileContent(recordPath);
+    const QByteArray record = readFile(recordPath);
     const QByteArray path = QFile::encodeName(panel.daemonPath());
     QVERIFY2(record.startsWith("pid=" + QByteArray::number(pids.first())
                                + "\ndirectory=" + QFile::encodeName(panel.folder())
@@ -121,9 +109,8 @@ void tst_Surroundings::emptyEnvironment()
 
     comesUp(panel, arguments);
 
-    QCOMPARE(fileContent(panel.sharedFolder() + QStringLiteral("/record")).count("environment="),
-             1);
-    QVERIFY(fileContent(panel.sharedFolder() + QStringLiteral("/record"))
+    QCOMPARE(readFile(panel.sharedFolder() + QStringLiteral("/record")).count("environment="), 1);
+    QVERIFY(readFile(panel.sharedFolder() + QStringLiteral("/record"))
                     .endsWith("\nenvironment=QT_QPA_PLATFORM=xcb\n"));
 }
 
@@ -174,8 +161,7 @@ void tst_Surroundings::hugeEnvironment()
 
     comesUp(panel);
 
-    QVERIFY(fileContent(panel.sharedFolder() + QStringLiteral("/record")).size()
-            > Variables * Size);
+    QVERIFY(readFile(panel.sharedFolder() + QStringLiteral("/record")).size() > Variables * Size);
 }
 
 void tst_Surroundings::closedStandardStreams_data()
@@ -236,7 +222,7 @@ void tst_Surroundings::folderThatReadsLikeCommands()
 
     comesUp(panel);
 
-    const QByteArray texts = fileContent(seen);
+    const QByteArray texts = readFile(seen);
     QVERIFY(texts.contains("pgrep -lf Corvane | grep -w Corvane"));
     QVERIFY(!texts.contains("canary"));
     for (const QString &folder : {panel.sharedFolder(), panel.folder(), QDir::homePath()})

@@ -1,6 +1,7 @@
 #include "tests/fuzz/fuzzSettings.h"
 
 #include "settings/SettingsForm.h"
+#include "tests/support/files.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -90,19 +91,6 @@ constexpr const char *Words[] = {"[log]\n",
     std::fprintf(stderr, "%s, with a file of %d bytes in base 64: %s\n", what, content.size(),
                  content.toBase64().constData());
     abort();
-}
-
-QByteArray fileContent(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("can't write %s", qPrintable(path));
 }
 
 QByteArray composed(const uint8_t *data, size_t size)
@@ -296,7 +284,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             value = value < number.maximum ? value + 1 : number.minimum;
             page.findChild<QSpinBox *>(QLatin1String(number.field))->setValue(value);
         }
-        written = fileContent(folder.file());
+        written = readFile(folder.file());
     }
     if (const std::optional<Entries> entries = entriesOf(content))
         checkFile(*entries, number, value, written, content);

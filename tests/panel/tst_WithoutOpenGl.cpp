@@ -1,6 +1,6 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/files.h"
 
-#include <QFile>
 #include <QTest>
 
 namespace {
@@ -9,8 +9,7 @@ const auto Variable = QStringLiteral("QT_XCB_GL_INTEGRATION");
 
 QByteArray mappedFiles(qint64 pid)
 {
-    QFile file(QStringLiteral("/proc/%1/maps").arg(pid));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(QStringLiteral("/proc/%1/maps").arg(pid));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "tests/settings/SettingsHome.h"
+#include "tests/support/files.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -84,22 +85,6 @@ QStringList SettingsHome::entries() const
 {
     return QDir(folder()).entryList(
             QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray content = file.readAll();
-    return content.isNull() ? QByteArray("") : content;
-}
-
-void writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.flush())
-        qFatal("can't write %s", qPrintable(path));
 }
 
 QStringList shown(const QWidget &page)

@@ -46,11 +46,6 @@ private:
     QByteArray m_formerConfig;
 };
 
-//! The bytes of \a path; a null array when it can't be opened.
-QByteArray readFile(const QString &path);
-//! Replaces the content of \a path by \a content in place, creating the file where it is missing.
-void writeFile(const QString &path, const QByteArray &content);
-
 /*!
     What the eight fields of the settings page \a page show, in reading order: the level's text, the
     switch as "on" or "off", and the numbers.

@@ -2,6 +2,7 @@
 
 #include "tests/settings/SettingsHome.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/files.h"
 
 #include <QApplication>
 #include <QDateTime>

@@ -1,6 +1,7 @@
 #include "settings/SettingsForm.h"
 
 #include "tests/settings/SettingsHome.h"
+#include "tests/support/files.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>

@@ -58,6 +58,10 @@ public:
     {
         return size + QSize(type, 1000);
     }
+    using QProxyStyle::polish;
+    using QProxyStyle::unpolish;
+    void polish(QWidget *widget) override { polished.append(widget); }
+    void unpolish(QWidget *widget) override { unpolished.append(widget); }
     void drawControl(ControlElement element, const QStyleOption * /*option*/,
                      QPainter * /*painter*/, const QWidget * /*widget*/) const override
     {
@@ -71,6 +75,8 @@ public:
         const QWidget *widget;
     };
 
+    QVector<QWidget *> polished;
+    QVector<QWidget *> unpolished;
     mutable QVector<ControlElement> drawn;
     //! The metrics of tabs.
     mutable QVector<Question> asked;
@@ -158,7 +164,7 @@ private slots:
     void isActived();
     void declaresNothing();
     void asksForEachTab();
-    void switchesHoveringOnAndOff();
+    void switchesHoveringBesideTheBase();
     void width_data();
     void width();
     void widthByKnownNumbers();
@@ -202,6 +208,7 @@ void tst_MultiProjectsTabStyle::asksForEachTab()
     bar.addTab(QStringLiteral("first"), true);
     bar.addTab(wide(60));
     bar.bar->setCurrentIndex(1);
+    bar.bar->setElideMode(Qt::ElideRight);
     bar.bar->resize(120, 32);
     bar.base->asked.clear();
 
@@ -227,7 +234,7 @@ void tst_MultiProjectsTabStyle::asksForEachTab()
     }
 }
 
-void tst_MultiProjectsTabStyle::switchesHoveringOnAndOff()
+void tst_MultiProjectsTabStyle::switchesHoveringBesideTheBase()
 {
     Bar bar;
     QWidget other;
@@ -244,6 +251,10 @@ void tst_MultiProjectsTabStyle::switchesHoveringOnAndOff()
     other.setAttribute(Qt::WA_Hover, false);
     bar.style.polish(&other);
     QVERIFY(!other.testAttribute(Qt::WA_Hover));
+
+    const QVector<QWidget *> both = {bar.bar, &other};
+    QCOMPARE(bar.base->polished, both);
+    QCOMPARE(bar.base->unpolished, both);
 }
 
 void tst_MultiProjectsTabStyle::width_data()

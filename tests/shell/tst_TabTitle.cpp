@@ -230,11 +230,18 @@ void tst_TabTitle::labels()
 void tst_TabTitle::picture()
 {
     Header header;
-    QCOMPARE(header.iconPixmap().size(), QSize(18, 17));
+    // Runs at the density that QT_SCALE_FACTOR sets.
+    const qreal ratio = qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
+                                ? qgetenv("QT_SCALE_FACTOR").toDouble()
+                                : 1.0;
+    const QSize size = QSize(18, 17) * ratio;
     const QPixmap original(resource("application.svg"));
     QVERIFY(!original.isNull());
-    QCOMPARE(header.iconPixmap().toImage(),
-             original.scaled(18, 17, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).toImage());
+    QPixmap expected = original.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    expected.setDevicePixelRatio(ratio);
+    QCOMPARE(header.iconPixmap().size(), size);
+    QCOMPARE(header.iconPixmap().devicePixelRatio(), ratio);
+    QCOMPARE(header.iconPixmap().toImage(), expected.toImage());
 }
 
 void tst_TabTitle::tabs()

@@ -1,4 +1,5 @@
 #include "tests/support/ShimFolder.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,13 +11,11 @@ namespace {
 constexpr char ArgumentMark = '\x1f';
 constexpr char CallMark = '\x1e';
 
-void writeFile(const QString &path, const QByteArray &content)
+//! In a new file each time: the old one may be running.
+void replaceFile(const QString &path, const QByteArray &content)
 {
-    // A new file each time: the old one may be running.
     QFile::remove(path);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("can't write %s", qPrintable(path));
+    writeFile(path, content);
 }
 
 } // namespace
@@ -40,7 +39,7 @@ void ShimFolder::add(const QString &name, const QByteArray &body)
     const QByteArray record =
             "{ for a in \"$@\"; do printf '%s\\x1f' \"$a\"; done; printf '\\x1e'; } >> '"
             + QFile::encodeName(m_folder.filePath(name + QStringLiteral(".calls"))) + "'\n";
-    writeFile(file, "#!/bin/bash\n" + record + body + '\n');
+    replaceFile(file, "#!/bin/bash\n" + record + body + '\n');
     if (!QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
         qFatal("can't make %s executable", qPrintable(file));
 }
@@ -48,7 +47,7 @@ void ShimFolder::add(const QString &name, const QByteArray &body)
 void ShimFolder::addPrinting(const QString &name, const QByteArray &output, int exitCode)
 {
     const QString file = m_folder.filePath(name + QStringLiteral(".output"));
-    writeFile(file, output);
+    replaceFile(file, output);
     add(name, "/bin/cat '" + QFile::encodeName(file) + "'\nexit " + QByteArray::number(exitCode));
 }
 

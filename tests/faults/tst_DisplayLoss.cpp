@@ -141,6 +141,7 @@ void tst_DisplayLoss::serverGone()
     QTRY_VERIFY(panel.hasDaemonRecord());
     const QList<qint64> pids = panel.daemonPids();
     QCOMPARE(pids.size(), 1);
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
     QTRY_VERIFY_WITH_TIMEOUT(showsDaemon(panel, pids.first()), RefreshTimeoutMs);
 
     // A refresh that goes on until the test writes a line.
@@ -186,6 +187,7 @@ void tst_DisplayLoss::managerGone()
     panel.environment().insert(QStringLiteral("DISPLAY"), display.name());
     QVERIFY(panel.start());
     QVERIFY(showsNotice(panel));
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
 
     display.endManager(signal);
 
@@ -224,6 +226,7 @@ void tst_DisplayLoss::fullOfWindows()
     PanelProcess panel;
     panel.placeDaemon();
     QVERIFY(panel.start());
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
     fill(Windows, Qt::Window | Qt::BypassWindowManagerHint);
     QTRY_VERIFY(windows.back()->isExposed());
 

@@ -87,6 +87,7 @@ void tst_Surroundings::comesUp(PanelProcess &panel, const QStringList &arguments
         QVERIFY2(!record.contains(QByteArray("\nenvironment=") + name + '='), name);
 
     QCOMPARE(panel.property(QStringLiteral("qApp"), "CorvanePid"), QVariant(pids.first()));
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
     QTRY_COMPARE_WITH_TIMEOUT(panel.rowTexts(Table).value(0).value(PidColumn),
                               QString::number(pids.first()), RefreshTimeoutMs);
     QCOMPARE(panel.application(QStringLiteral("children")).toList(), QVariantList());

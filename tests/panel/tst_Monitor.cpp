@@ -115,6 +115,7 @@ void tst_Monitor::followsTheDaemon()
     PanelProcess panel;
     QVERIFY(panel.start());
     QVERIFY(showsNotice(panel));
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
 
     StandInDaemon first(m_path);
     QTRY_VERIFY_WITH_TIMEOUT(showsOnly(panel, first.pid()), RefreshTimeoutMs);
@@ -126,6 +127,7 @@ void tst_Monitor::followsTheDaemon()
     QTRY_VERIFY_WITH_TIMEOUT(showsOnly(panel, second.pid()), RefreshTimeoutMs);
 
     // Ended and started again between two refreshes.
+    panel.setRefreshInterval(PanelProcess::UsualRefreshMs);
     second.kill();
     const StandInDaemon third(m_path);
     QVERIFY(third.pid() != second.pid());
@@ -138,6 +140,7 @@ void tst_Monitor::showsNoRowForTwo()
     PanelProcess panel;
     QVERIFY(panel.start());
     QVERIFY(showsOnly(panel, first.pid()));
+    panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
 
     const StandInDaemon second(m_path);
     QTRY_VERIFY_WITH_TIMEOUT(showsNotice(panel), RefreshTimeoutMs);

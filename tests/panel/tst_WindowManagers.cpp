@@ -358,6 +358,7 @@ void tst_WindowManagers::closesByTheKey()
 
 void tst_WindowManagers::goesOnThroughChangesOfTheDesktop()
 {
+    m_panel->setRefreshInterval(PanelProcess::QuickRefreshMs);
     m_panel->placeDaemon();
     m_panel->click(RepairButton);
     QTRY_VERIFY(m_panel->hasDaemonRecord());
@@ -368,6 +369,7 @@ void tst_WindowManagers::goesOnThroughChangesOfTheDesktop()
 
     QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
     QCOMPARE(m_panel->messageBox()->icon, int(QMessageBox::Information));
+    QCOMPARE(m_panel->messageBox()->text, QStringLiteral("朔川服务修复成功！"));
     QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
     PanelProcess::pressKeys("Return");
     QTRY_VERIFY(!m_panel->messageBox());

@@ -161,6 +161,12 @@ bool PanelProcess::connectToInspector()
            && isRunning();
 }
 
+void PanelProcess::setRefreshInterval(int ms)
+{
+    if (!setProperty(QStringLiteral("OverviewForm/QTimer"), "interval", ms))
+        failTest(QStringLiteral("the page has no timer"));
+}
+
 qint64 PanelProcess::pid() const
 {
     return m_process.processId();

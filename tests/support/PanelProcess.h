@@ -85,6 +85,14 @@ public:
         whether it is; the running test function has failed if not.
     */
     bool start(const QStringList &arguments = {});
+    /*!
+        Has the page of the running panel refresh itself every \a ms milliseconds, counted from now.
+        For tests of what a refresh brings, where its being due every three seconds has no part.
+    */
+    void setRefreshInterval(int ms);
+    static constexpr int UsualRefreshMs = 3000;
+    //! Short, and still long enough for what a refresh does.
+    static constexpr int QuickRefreshMs = 500;
     //! The panel's process number, while it runs.
     qint64 pid() const;
     bool isRunning() const;

@@ -153,7 +153,7 @@ void Window::present()
 
 void verifyPlace(const Window &window, const QPoint &place)
 {
-    waitFor([&] { return placeOnServer(window) == place && window.pos() == place; });
+    waitFor([&] { return window.pos() == place && placeOnServer(window) == place; });
     QCOMPARE(placeOnServer(window), place);
     QCOMPARE(window.pos(), place);
 }

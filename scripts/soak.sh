@@ -22,6 +22,9 @@ tests=(tst_DaemonChanges tst_ToolFaults tst_Surroundings tst_DisplayLoss tst_Set
     tst_SettingsTogether tst_SettingsFuzz tst_WholeLife)
 cmake --build "$project/build/soak" --target "${tests[@]}"
 
+# QtTest gives a test function five minutes by itself.
+export QTEST_FUNCTION_TIMEOUT=$((6 * 60 * 60 * 1000))
+
 failed=()
 # soak NAME ROUNDS: runs one test and prints its figures.
 soak() {

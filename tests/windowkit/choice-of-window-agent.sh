@@ -40,7 +40,7 @@ make_package() {
     cat >"$prefix/Widgets/QWKWidgets/widgetwindowagent.h" <<-HEADER
 		#pragma once
 		#include <QWKCore/windowagentbase.h>
-		#include <QWidget>
+		class QWidget;
 		namespace QWK {
 		class WidgetWindowAgent : public WindowAgentBase
 		{
@@ -125,7 +125,9 @@ configure() {
 
 # has OUTPUT TEXT: whether TEXT stands in it, wherever the lines of a message are broken.
 has() {
-    tr -s '[:space:]' ' ' <<<"$1" | grep -qF -- "$2"
+    local text
+    text=$(tr -s '[:space:]' ' ' <<<"$1")
+    [[ $text == *"$2"* ]]
 }
 
 complain() {
@@ -197,11 +199,12 @@ done
 
 # expect_tree CHOICE PACKAGE YES_OR_NO: whether the build of the whole tree has windowkit/ in it.
 expect_tree() {
-    local output status=0 bundled=no row="the whole tree, $1 with package $2"
+    local output targets status=0 bundled=no row="the whole tree, $1 with package $2"
     output=$(configure "$source" "$work/tree" "$2" -UQWindowKit_DIR "-DPANEL_WINDOW_AGENT=$1") \
         || status=$?
     [ "$status" -eq 0 ] || complain "$row: exit status $status" "$output"
-    "$cmake" --build "$work/tree" --target help | grep -q 'panel_windowkit_widgets' && bundled=yes
+    targets=$("$cmake" --build "$work/tree" --target help)
+    has "$targets" 'panel_windowkit_widgets' && bundled=yes
     [ "$bundled" = "$3" ] || complain "$row: windowkit/ in the build: $bundled" "$output"
 }
 

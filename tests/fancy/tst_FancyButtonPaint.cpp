@@ -79,6 +79,7 @@ private slots:
     void iconIsCentredAndSharp();
     void smallIconIsDrawnAtTheIconSize();
     void smallIconIsScaledSmoothly();
+    void iconIsDrawnOnce();
     void iconsOfOnePixelAreDrawn_data();
     void iconsOfOnePixelAreDrawn();
     void iconIsTheNormalOneAlsoWhenDisabledOrChecked();
@@ -326,6 +327,19 @@ void tst_FancyButtonPaint::smallIconIsScaledSmoothly()
     const QColor beforeTheMiddle(image.pixel((QPointF(23, 16) * ratio).toPoint()));
     QVERIFY2(beforeTheMiddle.red() > 0 && beforeTheMiddle.blue() > 0,
              qPrintable(beforeTheMiddle.name()));
+}
+
+void tst_FancyButtonPaint::iconIsDrawnOnce()
+{
+    QPixmap veil(64, 64);
+    veil.fill(QColor(255, 0, 0, 102));
+    button->setIconSize(QSize(16, 16));
+    button->setIcon(veil);
+
+    const QImage image = imageOf(*button);
+
+    // Two fifths of the red over three fifths of the backdrop.
+    QCOMPARE(image.pixel(image.width() / 2, image.height() / 2), qRgb(162, 60, 60));
 }
 
 void tst_FancyButtonPaint::iconsOfOnePixelAreDrawn_data()

@@ -89,6 +89,7 @@ private slots:
     void layouts();
     void spacersAndFrames();
     void fieldsStartWithTheirDefaults();
+    void fieldsHaveNames();
     void levels();
     void textsAreTranslatable();
     void translatedLevelIsFound();
@@ -401,6 +402,25 @@ void tst_SettingsForm::fieldsStartWithTheirDefaults()
     QCOMPARE(range(form.spinUpload), qMakePair(1, 30));
     QCOMPARE(form.cbRpcLog->checkState(), Qt::Unchecked);
     QVERIFY(!form.cbRpcLog->isTristate());
+}
+
+//! What assistive tools tell of each field.
+void tst_SettingsForm::fieldsHaveNames()
+{
+    const Ui_SettingsForm &form = ui();
+    const auto told = [](const QWidget *field) {
+        return QStringList {field->accessibleName(), field->accessibleDescription()};
+    };
+    const auto texts = [](const char *name, const char *description) {
+        return QStringList {QString::fromUtf8(name), QString::fromUtf8(description)};
+    };
+    QCOMPARE(form.label_7->buddy(), form.cbLogLevel);
+    QCOMPARE(told(form.spinLogDays), texts("保留时间", "天"));
+    QCOMPARE(told(form.spinRpcTimeout), texts("超时时间", "秒"));
+    QCOMPARE(told(form.spinThreadNums), texts("任务调度线程数", ""));
+    QCOMPARE(told(form.spinPullMessage), texts("消息拉取频率", "分钟/次"));
+    QCOMPARE(told(form.spinStatusUpdate), texts("消息状态更新频率", "秒/次"));
+    QCOMPARE(told(form.spinUpload), texts("回执上传频率", "分钟/次"));
 }
 
 void tst_SettingsForm::levels()

@@ -1,34 +1,28 @@
 #!/usr/bin/env bash
-# Builds the release with its benchmarks, runs them all and prints one table:
+# Installs what is missing, builds the release with its benchmarks, runs them all and prints one table:
 #
-#   scripts/bench.sh [--quick] [BUILD_FOLDER]
+#   bench.sh [--quick]
 #
-# The build folder is build/bench by default; the table is left in it as measurements.md too. --quick
-# only shows that everything runs: its figures mean nothing. Every ratio is one within the same run,
-# of medians, but a quiet machine gives better ones all the same.
+# The table is left in build/bench/measurements.md too. --quick only shows that everything runs: its
+# figures mean nothing. Every ratio is one within the same run, of medians, but a quiet machine gives
+# better ones all the same.
 set -euo pipefail
-
-quick=no
-build=
-for argument in "$@"; do
-    case "$argument" in
-    --quick) quick=yes ;;
-    -*) echo "usage: scripts/bench.sh [--quick] [BUILD_FOLDER]" >&2; exit 64 ;;
-    *) build=$argument ;;
-    esac
-done
-cd "$(dirname "$0")/.."
-build=$(realpath -m "${build:-build/bench}")
+project=$(cd "$(dirname "$0")/.." && pwd)
+. "$project/scripts/common.sh"
+build=$project/build/bench
 
 refreshes=400 starts=60 memory=10 seconds=60 growth=10000 functions=0.5 repetitions=9
-if [ "$quick" = yes ]; then
-    refreshes=20 starts=3 memory=2 seconds=6 growth=200 functions=0.05 repetitions=3
-fi
+case "$*" in
+'') ;;
+--quick) refreshes=20 starts=3 memory=2 seconds=6 growth=200 functions=0.05 repetitions=3 ;;
+*) fail "takes --quick, or nothing" ;;
+esac
 
-cmake --preset release -B "$build" -DPANEL_BENCHMARKS=ON -DBUILD_TESTING=ON >"$build.configure.log" ||
-    { cat "$build.configure.log" >&2; exit 1; }
-rm "$build.configure.log"
-cmake --build "$build" --target benchmarks >&2
+need_packages "${build_packages[@]}" "${run_packages[@]}" "${display_packages[@]}" \
+    "${test_packages[@]}" "${bench_packages[@]}"
+configure bench -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=ON -DPANEL_BENCHMARKS=ON
+cmake --build "$build" --target benchmarks
+cd "$project"
 
 rows=$(mktemp)
 trap 'rm -f "$rows"' EXIT

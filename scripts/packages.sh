@@ -1,4 +1,5 @@
-# The Debian packages that the panel needs, for run.sh, test.sh and .ci/run. To be sourced.
+# The Debian packages that the panel needs, for the scripts beside this one and .ci/run. To be
+# sourced.
 #
 # bash, grep and an awk are essential on Debian and not listed.
 
@@ -58,4 +59,10 @@ check_packages=(
     clang-format
     clang-tidy
     git
+)
+
+# To measure it.
+bench_packages=(
+    libbenchmark-dev
+    libx11-dev
 )

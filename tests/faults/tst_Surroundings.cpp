@@ -51,6 +51,7 @@ private slots:
     void hugeEnvironment();
     void closedStandardStreams_data();
     void closedStandardStreams();
+    void closedStreamsAreReplacedOnceEach();
     void anotherUsersFolder();
     void folderThatReadsLikeCommands();
 
@@ -184,6 +185,20 @@ void tst_Surroundings::closedStandardStreams()
     panel.setLauncher(bashBefore(closing));
 
     comesUp(panel);
+}
+
+void tst_Surroundings::closedStreamsAreReplacedOnceEach()
+{
+    PanelProcess panel;
+    panel.setLauncher(bashBefore(QStringLiteral("exec <&- >&- 2>&-")));
+    QVERIFY(panel.start());
+
+    // The one that tells that all are open is closed again.
+    constexpr int Streams = 3;
+    for (int descriptor = 0; descriptor <= Streams; ++descriptor) {
+        const QString link = QStringLiteral("/proc/%1/fd/%2").arg(panel.pid()).arg(descriptor);
+        QCOMPARE(QFile::symLinkTarget(link) == QLatin1String("/dev/null"), descriptor < Streams);
+    }
 }
 
 void tst_Surroundings::anotherUsersFolder()

@@ -319,6 +319,7 @@ void tst_SettingsFaults::youngLockIsLeftAlone()
     loads(QByteArray(""), 0);
     // Somebody has: whether it is stale is for the file's own lock to tell.
     loads(QByteArray("1\nprogram\nhost\n"), 5);
+    loads(QByteArray("1"), 5);
 }
 
 QTEST_MAIN(tst_SettingsFaults)

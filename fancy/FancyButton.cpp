@@ -261,13 +261,12 @@ void FancyButton::paintIcon()
 {
     const QIcon buttonIcon = icon();
     const QSize size = iconSize();
-    if (buttonIcon.isNull() || size.width() < 1 || size.height() < 1)
+    if (buttonIcon.isNull() || size.isEmpty())
         return;
 
     const qreal ratio = devicePixelRatioF();
     const QSize deviceSize(qRound(size.width() * ratio), qRound(size.height() * ratio));
-    QPixmap pixmap = devicePixmap(buttonIcon, deviceSize);
-    pixmap.setDevicePixelRatio(ratio);
+    const QPixmap pixmap = devicePixmap(buttonIcon, deviceSize);
 
     const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
     QPainter painter(this);

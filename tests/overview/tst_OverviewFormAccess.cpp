@@ -1,0 +1,110 @@
+#include "overview/OverviewForm.h"
+#include "tests/support/ShimFolder.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <memory>
+
+//! What those find who can't see the page, or have no pointer.
+class tst_OverviewFormAccess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void names_data();
+    void names();
+    void focusIsARing_data();
+    void focusIsARing();
+
+private:
+    std::unique_ptr<ShimFolder> m_shims;
+    std::unique_ptr<OverviewForm> m_page;
+};
+
+void tst_OverviewFormAccess::init()
+{
+    m_shims = std::make_unique<ShimFolder>();
+    m_shims->addPrinting(QStringLiteral("pgrep"), "", 1);
+    m_page = std::make_unique<OverviewForm>();
+}
+
+void tst_OverviewFormAccess::cleanup()
+{
+    m_page.reset();
+    m_shims.reset();
+}
+
+void tst_OverviewFormAccess::names_data()
+{
+    QTest::addColumn<QString>("widget");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("table of processes") << "treeWidgetOW"
+                                        << "运行概况";
+    QTest::newRow("table of nodes") << "treeWidgetTag"
+                                    << "服务节点";
+    QTest::newRow("service hall") << "kqfwdt"
+                                  << "朔川服务大厅";
+    QTest::newRow("knowledge base") << "kqzsk"
+                                    << "朔川知识库";
+    QTest::newRow("repair") << "xfkqfw"
+                            << "修复朔川服务";
+}
+
+void tst_OverviewFormAccess::names()
+{
+    QFETCH(QString, widget);
+
+    QTEST(m_page->findChild<QWidget *>(widget)->accessibleName(), "name");
+}
+
+void tst_OverviewFormAccess::focusIsARing_data()
+{
+    QTest::addColumn<QString>("button");
+
+    for (const char *name : {"kqfwdt", "kqzsk", "xfkqfw"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void tst_OverviewFormAccess::focusIsARing()
+{
+    QFETCH(const QString, button);
+    m_page->resize(800, 568);
+    m_page->show();
+    m_page->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
+    auto *focused = m_page->findChild<QPushButton *>(button);
+    focused->setFocus();
+    QTRY_VERIFY(focused->hasFocus());
+    const QRect area(focused->mapTo(m_page.get(), QPoint()), focused->size());
+    // Inside, the button is the style's own.
+    const auto around = [&] {
+        QImage image = m_page->grab().toImage();
+        QPainter(&image).fillRect(area, Qt::black);
+        return image;
+    };
+    m_page->setAttribute(Qt::WA_KeyboardFocusChange, false);
+    const QImage plain = around();
+
+    m_page->setAttribute(Qt::WA_KeyboardFocusChange);
+    QImage expected = plain;
+    QPainter painter(&expected);
+    painter.setClipRegion(QRegion(area.adjusted(-3, -3, 3, 3)) - area.adjusted(-1, -1, 1, 1));
+    painter.fillRect(expected.rect(), QColor(0, 120, 212));
+    painter.end();
+    QVERIFY(expected != plain);
+    QCOMPARE(around(), expected);
+
+    focused->clearFocus();
+    QCOMPARE(around(), plain);
+}
+
+QTEST_MAIN(tst_OverviewFormAccess)
+#include "tst_OverviewFormAccess.moc"

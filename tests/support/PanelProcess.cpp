@@ -57,9 +57,14 @@ PanelProcess::~PanelProcess()
 {
     m_process.kill();
     m_process.waitForFinished();
+    // Until it is reaped, pgrep would tell the next panel of it.
     const QList<qint64> pids = daemonPids();
-    for (const qint64 pid : pids)
+    for (const qint64 pid : pids) {
         ::kill(static_cast<pid_t>(pid), SIGKILL);
+        const QString process = QStringLiteral("/proc/%1").arg(pid);
+        if (!QTest::qWaitFor([&process] { return !QFile::exists(process); }, ExitTimeoutMs))
+            qFatal("the daemon doesn't end");
+    }
 }
 
 QString PanelProcess::folder() const

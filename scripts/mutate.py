@@ -36,7 +36,7 @@ from collections import Counter, defaultdict
 from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parent.parent
-WHOLE_PROGRAM = "panel"  # the folder below tests/ whose tests run the program itself
+WHOLE_PROGRAM = ("panel", "faults")  # the folders below tests/ whose tests run the program itself
 MAIN = "app/main.cpp"
 BUILD_TIMEOUT = 600  # seconds
 POLL_INTERVAL = 0.1  # seconds
@@ -453,13 +453,14 @@ def end_group(process):
 
 class Run:
     def __init__(self, copy, room, whole, without):
-        def chosen(folder):
-            return [t for t in copy.tests(folder) if not (without and re.search(without, t.name))]
+        def chosen(*folders):
+            return [t for folder in folders for t in copy.tests(folder)
+                    if not (without and re.search(without, t.name))]  # fmt: skip
 
         self.copy = copy
         self.room = room
         self.room_tests = chosen(room)
-        self.whole_tests = [] if whole == "never" else chosen(WHOLE_PROGRAM)
+        self.whole_tests = [] if whole == "never" else chosen(*WHOLE_PROGRAM)
 
     def baseline(self):
         """Everything must pass unchanged. Also takes the tests' times."""

@@ -68,6 +68,8 @@ private slots:
     void stripBesideThePictureIsPlain();
     void pictureIsSharp_data();
     void pictureIsSharp();
+    void iconsAreSharp_data();
+    void iconsAreSharp();
 };
 
 void tst_Looks::contrastsAreAsListed_data()
@@ -157,6 +159,38 @@ void tst_Looks::pictureIsSharp()
     const auto picture = panel.property(QStringLiteral("labelIcon"), "pixmap").value<QImage>();
     QCOMPARE(picture.size(), size);
     QCOMPARE(panel.property(QStringLiteral("labelIcon"), "size").toSize(), QSize(20, 32));
+}
+
+void tst_Looks::iconsAreSharp_data()
+{
+    QTest::addColumn<QString>("button");
+
+    for (const char *name : {"kqfwdt", "kqzsk", "xfkqfw"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void tst_Looks::iconsAreSharp()
+{
+    QFETCH(QString, button);
+    constexpr int Ratio = 2;
+    PanelProcess panel;
+    panel.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(Ratio));
+    QVERIFY(panel.start());
+
+    // The icon's half of the button, without the border. Of an icon that is drawn in points each
+    // block of pixels has one colour.
+    constexpr QRect Icon(4, 4, 48, 72);
+    const QImage picture = panel.grab(button);
+    QCOMPARE(picture.size(), QSize(160, 80) * Ratio);
+    bool isSharp = false;
+    for (int y = Icon.top() * Ratio; y < Icon.bottom() * Ratio; y += Ratio) {
+        for (int x = Icon.left() * Ratio; x < Icon.right() * Ratio; x += Ratio) {
+            const QRgb color = picture.pixel(x, y);
+            isSharp = isSharp || picture.pixel(x + 1, y) != color
+                      || picture.pixel(x, y + 1) != color || picture.pixel(x + 1, y + 1) != color;
+        }
+    }
+    QVERIFY(isSharp);
 }
 
 QTEST_MAIN(tst_Looks)

@@ -1,6 +1,7 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/StandInDaemon.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -81,6 +82,7 @@ private slots:
     void readsTheProbe();
     void runsTheProbeAsWritten();
     void dressesTheApplicationAndTheWindow();
+    void keepsItsFontSizeOnAnyDesktop();
     void handsTheArgumentsToTheApplication();
     void opensWebAddressesWithTheOpener();
     void centresTheWindow();
@@ -302,6 +304,23 @@ void tst_StartUp::dressesTheApplicationAndTheWindow()
     QVERIFY(icon != panel.picture(QStringLiteral(":/client/resources/close.svg")));
     QCOMPARE(panel.property(Application, "windowIcon").value<QImage>(), icon);
     QCOMPARE(panel.property(Window, "windowIcon").value<QImage>(), icon);
+}
+
+void tst_StartUp::keepsItsFontSizeOnAnyDesktop()
+{
+    const QTemporaryDir configuration;
+    writeFile(configuration.filePath(QStringLiteral("kdeglobals")),
+              "[General]\nfont=Noto Sans CJK SC,15,-1,5,50,0,0,0,0,0\n");
+    PanelProcess panel;
+    panel.environment().insert(QStringLiteral("XDG_CONFIG_HOME"), configuration.path());
+    panel.environment().insert(QStringLiteral("XDG_CURRENT_DESKTOP"), QStringLiteral("KDE"));
+    panel.environment().insert(QStringLiteral("KDE_SESSION_VERSION"), QStringLiteral("5"));
+
+    QVERIFY(panel.start());
+
+    const auto font = panel.application(QStringLiteral("font")).value<QFont>();
+    QCOMPARE(font.family(), QStringLiteral("Noto Sans CJK SC"));
+    QCOMPARE(font.pointSize(), 9);
 }
 
 void tst_StartUp::handsTheArgumentsToTheApplication()

@@ -2,12 +2,36 @@
 #include "tests/support/ShimFolder.h"
 
 #include <QApplication>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
 #include <memory>
+
+namespace {
+
+//! What of a widget is painted while the object lives.
+class PaintedRegion : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit PaintedRegion(QWidget *widget) { widget->installEventFilter(this); }
+
+    QRegion region;
+
+protected:
+    bool eventFilter(QObject * /*watched*/, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+};
+
+} // namespace
 
 //! What those find who can't see the page, or have no pointer.
 class tst_OverviewFormAccess : public QObject
@@ -22,6 +46,8 @@ private slots:
     void names();
     void focusIsARing_data();
     void focusIsARing();
+    void ringFollowsTheFocus();
+    void otherKeysAreLeftToOthers();
 
 private:
     std::unique_ptr<ShimFolder> m_shims;
@@ -104,6 +130,36 @@ void tst_OverviewFormAccess::focusIsARing()
 
     focused->clearFocus();
     QCOMPARE(around(), plain);
+}
+
+void tst_OverviewFormAccess::ringFollowsTheFocus()
+{
+    m_page->resize(800, 568);
+    m_page->show();
+    m_page->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
+    auto *former = m_page->findChild<QPushButton *>(QStringLiteral("kqfwdt"));
+    auto *latter = m_page->findChild<QPushButton *>(QStringLiteral("xfkqfw"));
+    former->setFocus();
+    QTRY_VERIFY(former->hasFocus());
+    QCoreApplication::processEvents();
+    PaintedRegion painted(m_page.get());
+
+    latter->setFocus();
+
+    for (const QPushButton *button : {former, latter}) {
+        const QPoint ring = button->mapTo(m_page.get(), QPoint(-2, 10));
+        QTRY_VERIFY(painted.region.contains(ring));
+    }
+}
+
+void tst_OverviewFormAccess::otherKeysAreLeftToOthers()
+{
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier);
+
+    QCoreApplication::sendEvent(m_page.get(), &event);
+
+    QVERIFY(!event.isAccepted());
 }
 
 QTEST_MAIN(tst_OverviewFormAccess)

@@ -281,6 +281,8 @@ void tst_FancyLifetime::barForgetsItsRows()
     delete d.m_menuWidget;
     QVERIFY(!d.m_menuWidget && !d.m_middleSpacerItem && !d.m_menuAdditionalControlArea);
     QVERIFY(!d.m_appButtonLayout && !d.m_menuBarArea);
+    delete d.m_logoLayout;
+    QVERIFY(!d.m_logoLayout);
     useWhatIsLeft();
 }
 

@@ -1,4 +1,5 @@
-# What the scripts beside this one and .ci/run share. To be sourced with the project's folder in $project.
+# What the scripts beside this one and .ci/run share. To be sourced with the project's folder in
+# $project.
 
 . "$project/scripts/packages.sh"
 

@@ -4,6 +4,7 @@
 #include "tests/support/ProcessCounters.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/files.h"
 #include "tests/support/rounds.h"
 
 #include <QElapsedTimer>
@@ -289,10 +290,8 @@ void tst_ToolFaults::hangingTool()
 {
     QFETCH(QString, tool);
     const QByteArray mark = QFile::encodeName(m_shims->path() + QStringLiteral("/hung"));
-    QFile shim(m_shims->path() + QLatin1Char('/') + tool);
-    QVERIFY(shim.open(QIODevice::ReadOnly));
-    const QByteArray body = shim.readAll();
-    shim.close();
+    const QByteArray body = readFile(m_shims->path() + QLatin1Char('/') + tool);
+    QVERIFY(!body.isEmpty());
     // Once only: grep runs in both commands.
     m_shims->add(tool, "[ -e '" + mark + "' ] || { : > '" + mark + "'; /bin/sleep 1; }\n" + body);
 

@@ -22,8 +22,8 @@ class PressWatch : public QObject
 
 public:
     int presses = 0;
-    ulong longestPause =
-            0; // between a move of the pointer and the press behind it, in milliseconds
+    //! Between a move of the pointer and the press behind it, in milliseconds.
+    ulong longestPause = 0;
 
     bool eventFilter(QObject * /*watched*/, QEvent *event) override
     {

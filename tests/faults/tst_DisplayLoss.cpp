@@ -3,6 +3,8 @@
 #include "tests/support/StandInDaemon.h"
 
 #include <QDir>
+#include <QPoint>
+#include <QRegularExpression>
 #include <QTest>
 #include <QWindow>
 
@@ -64,17 +66,59 @@ public:
     //! Whether a manager has announced itself that still has its window.
     [[nodiscard]] bool hasManager() const
     {
-        QProcess xprop;
-        xprop.start(QStringLiteral("xprop"),
-                    {QStringLiteral("-display"), m_name, QStringLiteral("-root"),
-                     QStringLiteral("_NET_SUPPORTING_WM_CHECK")});
-        return xprop.waitForFinished() && xprop.readAllStandardOutput().contains("window id");
+        return outputOf(QStringLiteral("xprop"),
+                        {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+                .contains(QLatin1String("window id"));
+    }
+
+    //! Whether \a window is on the screen in a frame of the manager's.
+    [[nodiscard]] bool showsFramed(qulonglong window) const
+    {
+        const QString state = stateOf(window);
+        return isViewable(state) && !isBelowRoot(state);
+    }
+    //! Whether \a window is on the screen with nothing around it.
+    [[nodiscard]] bool showsUnframed(qulonglong window) const
+    {
+        const QString state = stateOf(window);
+        return isViewable(state) && isBelowRoot(state);
+    }
+    [[nodiscard]] QPoint placeOf(qulonglong window) const
+    {
+        const QRegularExpression corner(QStringLiteral("Absolute upper-left X: +(-?\\d+)\\s+"
+                                                       "Absolute upper-left Y: +(-?\\d+)"));
+        const QRegularExpressionMatch match = corner.match(stateOf(window));
+        return {match.captured(1).toInt(), match.captured(2).toInt()};
     }
 
     void endManager(int signal) { end(m_manager, signal); }
     void endServer(int signal) { end(m_server, signal); }
 
 private:
+    [[nodiscard]] QString outputOf(const QString &tool, const QStringList &arguments) const
+    {
+        QProcess process;
+        process.start(tool, QStringList {QStringLiteral("-display"), m_name} + arguments);
+        return process.waitForFinished() ? QString::fromUtf8(process.readAllStandardOutput())
+                                         : QString();
+    }
+    [[nodiscard]] QString stateOf(qulonglong window) const
+    {
+        return outputOf(QStringLiteral("xwininfo"),
+                        {QStringLiteral("-id"), QString::number(window), QStringLiteral("-tree"),
+                         QStringLiteral("-stats")});
+    }
+    static bool isViewable(const QString &state)
+    {
+        return state.contains(QLatin1String("Map State: IsViewable"));
+    }
+    static bool isBelowRoot(const QString &state)
+    {
+        const QRegularExpression parent(
+                QStringLiteral("Parent window id: \\S+ \\(the root window\\)"));
+        return parent.match(state).hasMatch();
+    }
+
     static void end(QProcess &process, int signal)
     {
         if (process.state() == QProcess::NotRunning)
@@ -188,19 +232,27 @@ void tst_DisplayLoss::managerGone()
     QVERIFY(panel.start());
     QVERIFY(showsNotice(panel));
     panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
+    const qulonglong window = panel.windowId(Window);
+    QTRY_VERIFY(display.showsFramed(window));
+    const QPoint place = display.placeOf(window);
 
     display.endManager(signal);
 
-    // Without anyone to manage it the window stays where it is, and alive.
-    QTRY_VERIFY(panel.isExposed(Window));
+    // Without anyone to manage it the window stays where it is, and alive. The server takes it out
+    // of the lost frame by hiding it for a moment, which the panel may be told of a little later.
+    const auto isExposed = [&] { return panel.isExposed(Window); };
+    QTRY_VERIFY(display.showsUnframed(window));
+    QVERIFY(QTest::qWaitFor(isExposed));
     const QTemporaryDir elsewhere;
     const StandInDaemon daemon(elsewhere.filePath(QStringLiteral("Corvane")));
     QTRY_VERIFY_WITH_TIMEOUT(showsDaemon(panel, daemon.pid()), RefreshTimeoutMs);
     QVERIFY(panel.isExposed(Window));
+    QCOMPARE(display.placeOf(window), place);
 
     // And a new manager finds it.
     display.startManager();
-    QTRY_VERIFY(panel.isExposed(Window));
+    QTRY_VERIFY(display.showsFramed(window));
+    QVERIFY(QTest::qWaitFor(isExposed));
     QVERIFY(panel.invoke(Window, "close"));
     QCOMPARE(panel.waitForExit(), std::optional<int>(0));
     QCOMPARE(panel.errorLines(),

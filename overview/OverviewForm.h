@@ -46,9 +46,10 @@ protected:
 private slots:
     void syncOWInfo();
     void syncTagsInfo();
-    void on_kqfwdt_clicked();
-    void on_kqzsk_clicked();
-    void on_xfkqfw_clicked();
+    // Their names connect them, in setupUi().
+    void on_kqfwdt_clicked(); // clazy:exclude=connect-by-name
+    void on_kqzsk_clicked(); // clazy:exclude=connect-by-name
+    void on_xfkqfw_clicked(); // clazy:exclude=connect-by-name
 
 private:
     Ui_OverviewForm *ui;

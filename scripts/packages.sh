@@ -58,6 +58,7 @@ check_packages=(
     clang
     clang-format
     clang-tidy
+    clazy
     git
 )
 

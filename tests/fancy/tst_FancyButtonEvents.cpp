@@ -342,7 +342,8 @@ void tst_FancyButtonEvents::menuIsTriggeredByThePress()
     const QMouseEvent *received = nullptr;
     int count = 0;
     bool pressedMeanwhile = false;
-    connect(button, &FancyButton::menuTriggered, this, [&](QMouseEvent *event) {
+    const QObject watcher;
+    connect(button, &FancyButton::menuTriggered, &watcher, [&](QMouseEvent *event) {
         received = event;
         ++count;
         pressedMeanwhile = data().m_bMousePress;
@@ -397,7 +398,8 @@ void tst_FancyButtonEvents::mayBeDestroyedWhileItsMenuIsTriggered()
     auto *opener = new Opener(nullptr);
     opener->setHasMenu(true);
     bool destroyed = false;
-    connect(opener, &FancyButton::menuTriggered, this, [&] {
+    const QObject watcher;
+    connect(opener, &FancyButton::menuTriggered, &watcher, [&] {
         delete opener;
         destroyed = true;
     });

@@ -360,9 +360,9 @@ void tst_FancyButtonPaint::iconsOfOnePixelAreDrawn()
 
     const QImage image = imageOf(*button);
 
-    const QPointF corner((ButtonSize.width() - size.width()) / 2,
-                         (ButtonSize.height() - size.height()) / 2);
-    const QPoint inside = (corner * image.devicePixelRatio()).toPoint();
+    const QPoint corner((ButtonSize.width() - size.width()) / 2,
+                        (ButtonSize.height() - size.height()) / 2);
+    const QPoint inside = corner * image.devicePixelRatio();
     QVERIFY(image.pixel(inside) != Backdrop);
 }
 

@@ -258,7 +258,7 @@ void tst_FancyLifetime::buttonsOutliveTheTitleBar()
 
     QVERIFY(window->isVisible());
     QCOMPARE(systemMenu->actions().size(), 1);
-    QVERIFY(systemMenu->actions().first()->isSeparator());
+    QVERIFY(systemMenu->actions().constFirst()->isSeparator());
 }
 
 void tst_FancyLifetime::barForgetsTheTitleBar()

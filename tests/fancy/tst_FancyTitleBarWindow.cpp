@@ -339,7 +339,8 @@ void tst_FancyTitleBarWindow::widgetOperationsEmitResizable()
     QCOMPARE(resizable.count(), 0);
 
     bool maximizedMeanwhile = false;
-    connect(bar, &FancyTitleBar::windowResizable, this,
+    const QObject watcher;
+    connect(bar, &FancyTitleBar::windowResizable, &watcher,
             [&] { maximizedMeanwhile = window->isMaximized(); });
     data().maximizeWidget(window.data());
     QVERIFY(window->isMaximized());

@@ -138,13 +138,13 @@ public:
                              const QByteArray &numberPath)
     {
         const QByteArray number = QByteArray::number(pid);
-        const QByteArray kill =
+        QByteArray kill =
                 "kill -KILL " + number + "\nwhile [ -d /proc/" + number + " ]; do :; done\n";
-        const QByteArray start = '\'' + QFile::encodeName(flock.program())
-                                 + "' </dev/null >/dev/null 2>&1 &\n"
-                                   "until [ \"$(</proc/$!/comm)\" = Corvane ]; do :; done\n"
-                                   "echo $! >'"
-                                 + numberPath + "'\n";
+        QByteArray start = '\'' + QFile::encodeName(flock.program())
+                           + "' </dev/null >/dev/null 2>&1 &\n"
+                             "until [ \"$(</proc/$!/comm)\" = Corvane ]; do :; done\n"
+                             "echo $! >'"
+                           + numberPath + "'\n";
         switch (change) {
         case Kill:
             return kill;
@@ -165,7 +165,7 @@ private:
 
 QByteArray takeFile(const QString &path)
 {
-    const QByteArray content = readFile(path);
+    QByteArray content = readFile(path);
     QFile::remove(path);
     return content;
 }

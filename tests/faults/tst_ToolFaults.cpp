@@ -373,6 +373,7 @@ void tst_ToolFaults::noMemory()
     mallopt(M_TRIM_THRESHOLD, Blocks * BlockSize * 2);
     {
         std::vector<std::unique_ptr<char[]>> room;
+        room.reserve(Blocks);
         for (int i = 0; i < Blocks; ++i)
             room.push_back(std::make_unique<char[]>(BlockSize));
     }

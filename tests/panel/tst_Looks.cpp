@@ -78,7 +78,8 @@ void tst_Looks::contrastsAreAsListed_data()
     QTest::addColumn<QRgb>("ground");
     QTest::addColumn<QString>("ratio");
 
-    for (const Pair &pair : listedPairs())
+    const QList<Pair> pairs = listedPairs();
+    for (const Pair &pair : pairs)
         QTest::newRow(qPrintable(pair.what)) << pair.color << pair.ground << pair.ratio;
 }
 
@@ -97,9 +98,10 @@ void tst_Looks::listedColorsAreShown()
     QVERIFY(panel.start());
     QTRY_VERIFY(panel.isExposed(Notice));
     QImage shown = panel.grabScreen().copy(panel.globalRect(Window));
+    const QList<Pair> pairs = listedPairs();
     const auto missing = [&](const QString &state) {
         QStringList result;
-        for (const Pair &pair : listedPairs()) {
+        for (const Pair &pair : pairs) {
             if (pair.what.endsWith(state)
                 && !(pixels(shown, pair.color) && pixels(shown, pair.ground)))
                 result.append(pair.what);

@@ -190,7 +190,7 @@ void tst_Monitor::tellsTheDaemonFromItsNeighbours()
              isFound ? QVariant(neighbour.pid()) : QVariant());
     if (hasRow) {
         QVERIFY(showsOnly(panel, neighbour.pid()));
-        QCOMPARE(panel.rowTexts(Table).first().value(Name), program.fileName());
+        QCOMPARE(panel.rowTexts(Table).constFirst().value(Name), program.fileName());
     } else {
         QVERIFY(showsNotice(panel));
     }

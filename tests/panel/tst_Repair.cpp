@@ -140,7 +140,7 @@ void tst_Repair::verifyLog(const PanelProcess &panel, int formerLines, qint64 el
     bool ok = false;
     const int seconds = lines.at(1).toInt(&ok);
     QVERIFY2(ok && seconds >= 5 && seconds <= 14, qPrintable(lines.at(1)));
-    QVERIFY2(elapsedMs >= seconds * 1000, qPrintable(QString::number(elapsedMs)));
+    QVERIFY2(elapsedMs >= qint64(seconds) * 1000, qPrintable(QString::number(elapsedMs)));
 }
 
 void tst_Repair::runningDaemonIsLeftAlone()

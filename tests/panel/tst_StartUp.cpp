@@ -119,7 +119,7 @@ void tst_StartUp::startsAFurtherDaemonBesideTwo()
     QTRY_VERIFY(panel.hasDaemonRecord());
     QCOMPARE(panel.errorLines(), attemptLine(panel));
     QCOMPARE(panel.daemonPids().size(), 1);
-    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().first()));
+    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().constFirst()));
 }
 
 void tst_StartUp::startsTheAbsentDaemonOnce()
@@ -136,7 +136,7 @@ void tst_StartUp::startsTheAbsentDaemonOnce()
     QCOMPARE(panel.daemonPids().size(), 1);
     const QVariant pid = panel.property(Application, PidProperty);
     QCOMPARE(pid.userType(), static_cast<int>(QMetaType::LongLong));
-    QCOMPARE(pid.toLongLong(), panel.daemonPids().first());
+    QCOMPARE(pid.toLongLong(), panel.daemonPids().constFirst());
     // The logging stream quotes the path, and with it the quotes inside.
     QCOMPARE(panel.errorLines(),
              QStringList(QStringLiteral("file: \"%1\"")
@@ -279,7 +279,7 @@ void tst_StartUp::runsTheProbeAsWritten()
              QStringList(QStringLiteral("{print $1}")));
     // The negative number gave way to the new daemon's.
     QCOMPARE(panel.daemonPids().size(), 1);
-    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().first()));
+    QCOMPARE(panel.property(Application, PidProperty), QVariant(panel.daemonPids().constFirst()));
 }
 
 void tst_StartUp::dressesTheApplicationAndTheWindow()

@@ -48,7 +48,7 @@ void tst_WebShortcuts::clicksOpenThePages()
     for (int clicks = 1; clicks <= 3; ++clicks) {
         panel.click(QString::fromLatin1(QTest::currentDataTag()));
         QTRY_COMPARE(shims.calls(Opener).size(), clicks);
-        QCOMPARE(shims.calls(Opener).last(), QStringList(address));
+        QCOMPARE(shims.calls(Opener).constLast(), QStringList(address));
     }
     QTRY_COMPARE(panel.application(QStringLiteral("children")).toList(), QVariantList());
 }

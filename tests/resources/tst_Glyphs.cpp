@@ -20,7 +20,8 @@ constexpr char32_t Noncharacter = 0x10FFFE;
 QString missingGlyphs(const QString &text, const QFont &font)
 {
     QString missing;
-    for (const uint character : text.toUcs4()) {
+    const QVector<uint> characters = text.toUcs4();
+    for (const uint character : characters) {
         const QString one = QString::fromUcs4(&character, 1);
         QTextLayout layout(one, font);
         layout.beginLayout();

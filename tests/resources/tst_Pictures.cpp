@@ -10,9 +10,9 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 
@@ -23,8 +23,8 @@ constexpr QRgb ActiveTab = qRgb(255, 255, 255);
 constexpr QRgb InactiveTab = qRgb(215, 215, 222);
 constexpr double LegibleContrast = 3.0;
 constexpr QSize HeaderPictureSize(18, 17);
-constexpr std::array<int, 5> IcoSizes = {16, 24, 32, 48, 64};
-constexpr int PictureCount = IcoSizes.size();
+constexpr int IcoSizes[] = {16, 24, 32, 48, 64};
+constexpr int PictureCount = std::size(IcoSizes);
 
 QString bundled(const QString &name)
 {
@@ -177,13 +177,13 @@ void tst_Pictures::icoHoldsEachSize()
     QCOMPARE(reader.imageCount(), PictureCount);
     for (int i = 0; i < PictureCount; ++i) {
         const QByteArray entry = bytes.mid(headerLength + entryLength * i, entryLength);
-        QCOMPARE(int(static_cast<uchar>(entry[0])), IcoSizes.at(i));
-        QCOMPARE(int(static_cast<uchar>(entry[1])), IcoSizes.at(i));
+        QCOMPARE(int(static_cast<uchar>(entry[0])), IcoSizes[i]);
+        QCOMPARE(int(static_cast<uchar>(entry[1])), IcoSizes[i]);
         QCOMPARE(int(qFromLittleEndian<quint16>(entry.constData() + 6)), 32);
 
         QVERIFY(reader.jumpToImage(i));
         const QImage image = reader.read();
-        QCOMPARE(image.size(), QSize(IcoSizes.at(i), IcoSizes.at(i)));
+        QCOMPARE(image.size(), QSize(IcoSizes[i], IcoSizes[i]));
         QVERIFY(image.hasAlphaChannel());
     }
 }
@@ -195,7 +195,7 @@ void tst_Pictures::iconPicksTheExactPicture_data()
 
     for (const char *name : {"dt.ico", "zsk.ico", "xf.ico"}) {
         for (int i = 0; i < PictureCount; ++i)
-            QTest::addRow("%s, %d", name, IcoSizes.at(i)) << QString::fromLatin1(name) << i;
+            QTest::addRow("%s, %d", name, IcoSizes[i]) << QString::fromLatin1(name) << i;
     }
 }
 
@@ -208,7 +208,7 @@ void tst_Pictures::iconPicksTheExactPicture()
     QImageReader reader(bundled(name));
     QVERIFY(reader.jumpToImage(index));
     const QImage picture = reader.read();
-    const QSize size(IcoSizes.at(index), IcoSizes.at(index));
+    const QSize size(IcoSizes[index], IcoSizes[index]);
 
     const QPixmap picked = QIcon(bundled(name)).pixmap(size);
     QCOMPARE(picked.size(), size);

@@ -463,7 +463,7 @@ void tst_SettingsForm::translatedLevelIsFound()
     QVERIFY(QCoreApplication::installTranslator(&translator));
     m_home->write("[log]\nlevel=[\\x8b66\\x544a]\n");
     const SettingsForm page;
-    QCOMPARE(shown(page).first(), QStringLiteral("[警告]"));
+    QCOMPARE(shown(page).constFirst(), QStringLiteral("[警告]"));
     QVERIFY(translator.plain);
 }
 

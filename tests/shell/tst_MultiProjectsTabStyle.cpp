@@ -56,7 +56,7 @@ public:
     QSize sizeFromContents(ContentsType type, const QStyleOption * /*option*/, const QSize &size,
                            const QWidget * /*widget*/) const override
     {
-        return size + QSize(type, 1000);
+        return size + QSize(int(type), 1000);
     }
     using QProxyStyle::polish;
     using QProxyStyle::unpolish;
@@ -100,7 +100,7 @@ struct Bar
 
 QString wide(int count)
 {
-    return QString(count, QChar(0x94B0));
+    return {count, QChar(0x94B0)};
 }
 
 int textWidth(const QString &text)

@@ -20,6 +20,7 @@
 #include <QToolButton>
 #include <QWindow>
 
+#include <algorithm>
 #include <memory>
 
 struct BarPrivate : PrivateMember<BarPrivate, FancyBarPrivate *, FancyBar>
@@ -263,13 +264,12 @@ void tst_ServiceContainer::onTabIndexChanged()
 void tst_ServiceContainer::closeButtonClosesTheWindow()
 {
     show();
-    QToolButton *close = nullptr;
     const auto buttons = m_window->findChildren<QToolButton *>();
-    for (QToolButton *button : buttons) {
-        if (button->isVisible() && button->toolTip() == QStringLiteral("关闭"))
-            close = button;
-    }
-    QVERIFY(close);
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [](const QToolButton *button) {
+        return button->isVisible() && button->toolTip() == QStringLiteral("关闭");
+    });
+    QVERIFY(found != buttons.end());
+    QToolButton *close = *found;
     QCOMPARE(QRect(close->mapTo(m_window.get(), QPoint(0, 0)), close->size()),
              QRect(750, 0, 50, 32));
 

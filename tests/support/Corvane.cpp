@@ -13,6 +13,7 @@
 //   CORVANE_REFUSE=STATUS        end at once with this status
 
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -21,11 +22,8 @@
 #include <map>
 #include <string>
 
-#include <limits.h>
 #include <sys/prctl.h>
 #include <unistd.h>
-
-extern char **environ;
 
 namespace {
 

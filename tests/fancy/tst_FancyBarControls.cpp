@@ -28,6 +28,7 @@ void addUses()
     });
 }
 } // namespace
+Q_DECLARE_METATYPE(Qt::MouseButton)
 Q_DECLARE_METATYPE(Use)
 
 class tst_FancyBarControls : public QObject
@@ -49,6 +50,8 @@ private slots:
     void buttonTriggersItsAction();
     void buttonTogglesItsAction_data();
     void buttonTogglesItsAction();
+    void buttonKeepsItsActionWithoutAClick_data();
+    void buttonKeepsItsActionWithoutAClick();
     void buttonKeepsTheChosenActionOfAGroup_data();
     void buttonKeepsTheChosenActionOfAGroup();
     void menuOpensAtTheButtonsCorner();
@@ -238,6 +241,31 @@ void tst_FancyBarControls::buttonTogglesItsAction()
 
     QCOMPARE(triggered.count(), 2);
     QCOMPARE(toggled.count(), 2);
+}
+
+void tst_FancyBarControls::buttonKeepsItsActionWithoutAClick_data()
+{
+    QTest::addColumn<Qt::MouseButton>("mouseButton");
+    QTest::addColumn<QPoint>("released");
+
+    QTest::newRow("let go elsewhere") << Qt::LeftButton << QPoint(-10, 5);
+    QTest::newRow("another mouse button") << Qt::RightButton << QPoint(5, 5);
+}
+
+void tst_FancyBarControls::buttonKeepsItsActionWithoutAClick()
+{
+    QFETCH(const Qt::MouseButton, mouseButton);
+    QFETCH(const QPoint, released);
+    action->setCheckable(true);
+    FancyButton *button = bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 0);
+    const QSignalSpy triggered(action.data(), &QAction::triggered);
+
+    QTest::mousePress(button, mouseButton, Qt::NoModifier, QPoint(5, 5));
+    QTest::mouseRelease(button, mouseButton, Qt::NoModifier, released);
+
+    QVERIFY(!action->isChecked());
+    QVERIFY(!button->isChecked());
+    QCOMPARE(triggered.count(), 0);
 }
 
 void tst_FancyBarControls::buttonKeepsTheChosenActionOfAGroup_data()

@@ -5,6 +5,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -47,9 +48,14 @@ private slots:
     void focusIsARing_data();
     void focusIsARing();
     void ringFollowsTheFocus();
+    void enterEndsAtTheButton_data();
+    void enterEndsAtTheButton();
     void otherKeysAreLeftToOthers();
 
 private:
+    //! Shows the page and gives \a button the focus, if the window manager lets it have it.
+    QPushButton *focus(const QString &button);
+
     std::unique_ptr<ShimFolder> m_shims;
     std::unique_ptr<OverviewForm> m_page;
 };
@@ -65,6 +71,17 @@ void tst_OverviewFormAccess::cleanup()
 {
     m_page.reset();
     m_shims.reset();
+}
+
+QPushButton *tst_OverviewFormAccess::focus(const QString &button)
+{
+    auto *focused = m_page->findChild<QPushButton *>(button);
+    m_page->resize(800, 568);
+    m_page->show();
+    m_page->activateWindow();
+    focused->setFocus();
+    static_cast<void>(QTest::qWaitFor([&] { return focused->hasFocus(); }));
+    return focused;
 }
 
 void tst_OverviewFormAccess::names_data()
@@ -102,13 +119,8 @@ void tst_OverviewFormAccess::focusIsARing_data()
 void tst_OverviewFormAccess::focusIsARing()
 {
     QFETCH(const QString, button);
-    m_page->resize(800, 568);
-    m_page->show();
-    m_page->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
-    auto *focused = m_page->findChild<QPushButton *>(button);
-    focused->setFocus();
-    QTRY_VERIFY(focused->hasFocus());
+    QPushButton *focused = focus(button);
+    QVERIFY(focused->hasFocus());
     const QRect area(focused->mapTo(m_page.get(), QPoint()), focused->size());
     // Inside, the button is the style's own.
     const auto around = [&] {
@@ -134,14 +146,9 @@ void tst_OverviewFormAccess::focusIsARing()
 
 void tst_OverviewFormAccess::ringFollowsTheFocus()
 {
-    m_page->resize(800, 568);
-    m_page->show();
-    m_page->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
-    auto *former = m_page->findChild<QPushButton *>(QStringLiteral("kqfwdt"));
     auto *latter = m_page->findChild<QPushButton *>(QStringLiteral("xfkqfw"));
-    former->setFocus();
-    QTRY_VERIFY(former->hasFocus());
+    QPushButton *former = focus(QStringLiteral("kqfwdt"));
+    QVERIFY(former->hasFocus());
     QCoreApplication::processEvents();
     PaintedRegion painted(m_page.get());
 
@@ -151,6 +158,28 @@ void tst_OverviewFormAccess::ringFollowsTheFocus()
         const QPoint ring = button->mapTo(m_page.get(), QPoint(-2, 10));
         QTRY_VERIFY(painted.region.contains(ring));
     }
+}
+
+void tst_OverviewFormAccess::enterEndsAtTheButton_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+
+    QTest::newRow("Return") << Qt::Key_Return;
+    QTest::newRow("Enter") << Qt::Key_Enter;
+}
+
+void tst_OverviewFormAccess::enterEndsAtTheButton()
+{
+    QFETCH(const Qt::Key, key);
+    QPushButton *button = focus(QStringLiteral("kqfwdt"));
+    QVERIFY(button->hasFocus());
+    const QSignalSpy clicked(button, &QPushButton::clicked);
+    QKeyEvent heldDown(QEvent::KeyPress, key, Qt::NoModifier, QStringLiteral("\r"), true);
+
+    QCoreApplication::sendEvent(button, &heldDown);
+
+    QVERIFY(heldDown.isAccepted());
+    QCOMPARE(clicked.count(), 0);
 }
 
 void tst_OverviewFormAccess::otherKeysAreLeftToOthers()

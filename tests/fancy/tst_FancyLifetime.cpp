@@ -1,3 +1,4 @@
+#include "fancy/clearWhenDestroyed_p.h"
 #include "tests/fancy/privates.h"
 
 #include <QAction>
@@ -24,6 +25,13 @@ struct Opener : QObject
 int watchers(const QObject &object)
 {
     return (object.*&Opener::receivers)(SIGNAL(destroyed(QObject *)));
+}
+
+int messageCount = 0;
+
+void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
+{
+    ++messageCount;
 }
 } // namespace
 
@@ -53,6 +61,7 @@ private slots:
     void placedThingsGoWithTheirPlace();
     void nothingLeaksWithoutParents();
     void privatePartAloneCleansUp();
+    void nullFieldIsLeftAloneInSilence();
 
 private:
     void useWhatIsLeft();
@@ -401,6 +410,20 @@ void tst_FancyLifetime::privatePartAloneCleansUp()
 
     QVERIFY(!inert);
     QVERIFY(!row);
+}
+
+void tst_FancyLifetime::nullFieldIsLeftAloneInSilence()
+{
+    QObject holder;
+    QObject *field = nullptr;
+    messageCount = 0;
+    const QtMessageHandler former = qInstallMessageHandler(countMessage);
+
+    clearWhenDestroyed(&holder, field);
+
+    qInstallMessageHandler(former);
+    QCOMPARE(messageCount, 0);
+    QVERIFY(!field);
 }
 
 QTEST_MAIN(tst_FancyLifetime)

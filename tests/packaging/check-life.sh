@@ -20,7 +20,7 @@ awk 'BEGIN { RS = ""; ORS = "\n\n" } !/^Package: corvane-panel\n/' /var/lib/dpkg
 printf '; mine\n[log]\nlevel=Warning\n[other]\nkey=kept\n' >"$settings"
 
 in_root() {
-    quietly fakeroot dpkg --root="$root" --log="$scratch/dpkg.log" --force-not-root \
+    quietly timeout 60 fakeroot dpkg --root="$root" --log="$scratch/dpkg.log" --force-not-root \
         --path-include='/*' "$@"
 }
 
@@ -43,14 +43,20 @@ without_touching_settings() {
         fail "the user's settings have changed: $*"
 }
 
-# wait_for DESCRIPTION COMMAND...: until the command succeeds, while the panel runs.
+# wait_for DESCRIPTION COMMAND...: until the command succeeds; gives up after a minute.
 wait_for() {
     local what=$1
+    local deadline=$((SECONDS + 60))
     shift
     until "$@" >"$scratch/answer" 2>&1; do
-        kill -0 "$panel" 2>/dev/null || fail "the panel has ended before $what: $(cat "$scratch/log")"
+        [ "$SECONDS" -lt "$deadline" ] || fail "$what: not within a minute: $(cat "$scratch/log")"
         sleep 0.05
     done
+}
+
+# has_ended PID: whether there is no such process any more, nor what is left of it for its parent.
+has_ended() {
+    ! kill -0 "$1" 2>/dev/null
 }
 
 # Starts the panel through the link beside a daemon, as that has a package of its own, and closes
@@ -62,7 +68,7 @@ run_panel() {
         corvane-panel 2>"$scratch/log" &
     panel=$!
 
-    wait_for "its window was there" xdotool search --onlyvisible --pid "$panel"
+    wait_for "the window comes up" xdotool search --onlyvisible --pid "$panel"
     local window class
     window=$(head -n 1 "$scratch/answer")
     class=$(xprop -id "$window" WM_CLASS | sed 's/.*, "\(.*\)"$/\1/')
@@ -71,16 +77,22 @@ run_panel() {
 
     grep -qF "file: \"$own_folder/Corvane\"" "$scratch/log" ||
         fail "the panel looks elsewhere for the daemon: $(cat "$scratch/log")"
-    wait_for "it started the daemon" test -e "$scratch/record"
+    wait_for "the panel starts the daemon" test -e "$scratch/record"
     grep -qxF "directory=$own_folder" "$scratch/record" || fail "the daemon runs in another folder"
     grep -qxF "argument=quickboot" "$scratch/record" || fail "the daemon lacks its argument"
 
-    xdotool windowactivate --sync "$window" key --clearmodifiers alt+F4
+    # As from a taskbar: no key that could get lost between the programs.
+    wmctrl -i -c "$window"
     local status=0
+    wait_for "the panel closes" has_ended "$panel"
     wait "$panel" || status=$?
     [ "$status" -eq 0 ] || fail "the panel ended with status $status: $(cat "$scratch/log")"
 
-    kill "$(sed -n 's/^pid=//p' "$scratch/record")"
+    # The next panel must not find it.
+    local pid
+    pid=$(sed -n 's/^pid=//p' "$scratch/record")
+    kill "$pid"
+    wait_for "the daemon ends" has_ended "$pid"
     rm "$own_folder/Corvane"
 }
 

@@ -437,15 +437,18 @@ class Test:
 
 def end_group(process):
     """Ends the processes that a test has started, first politely: it cleans up after itself."""
-    for number in (signal.SIGTERM, signal.SIGKILL):
-        # While it isn't waited for, its number can't be anybody else's.
-        if process.poll() is not None:
-            return
-        os.killpg(process.pid, number)
-        try:
-            process.wait(timeout=PATIENCE)
-        except subprocess.TimeoutExpired:
-            continue
+    if process.poll() is not None:
+        return
+    # As long as it isn't waited for, its number can't be anybody else's.
+    os.killpg(process.pid, signal.SIGTERM)
+    deadline = time.monotonic() + PATIENCE
+    unreaped = os.WEXITED | os.WNOHANG | os.WNOWAIT
+    while time.monotonic() < deadline and not os.waitid(os.P_PID, process.pid, unreaped):
+        time.sleep(POLL_INTERVAL)
+    # A child that the signal met between its creation and its own program may hang in the handler
+    # that it has from the test.
+    os.killpg(process.pid, signal.SIGKILL)
+    process.wait()
 
 
 # --- the run

@@ -1,3 +1,4 @@
+#include "app/TextScale.h"
 #include "app/VTWebUrlHandler.h"
 #include "app/daemon.h"
 #include "app/executeInMain.h"
@@ -45,7 +46,7 @@ void openStandardStreams()
     that takes more time and memory than all the rest of an empty window. A choice of the user's own
     is respected.
 */
-void goWithoutOpenGl()
+void disableOpenGl()
 {
     constexpr const char *variable = "QT_XCB_GL_INTEGRATION";
     if (qEnvironmentVariableIsSet(variable))
@@ -71,10 +72,12 @@ int main(int argc, char *argv[])
     QDesktopServices::setUrlHandler(QStringLiteral("https"), &urlHandler, "handle");
     QDesktopServices::setUrlHandler(QStringLiteral("http"), &urlHandler, "handle");
 
-    // Pictures at their full sharpness where the screen has more pixels to a point.
+    // Icons in the device's own pixels, also where the window is scaled.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    TextScale textScale(ServiceContainer::fixedSize());
     QApplication app(argc, argv);
-    goWithoutOpenGl();
+    textScale.keepFromChildren();
+    disableOpenGl();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/client/resources/application.svg")));
 
     QFont font;

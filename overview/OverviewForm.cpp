@@ -13,10 +13,15 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPainterPath>
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
+#include <QVector>
+
+#include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -24,12 +29,14 @@ constexpr int RefreshIntervalMs = 3000;
 
 constexpr int HeaderHeight = 36;
 constexpr int HeaderAndRowHeight = 76;
+//! Left and right of a cell's text together, in pixels: its own margins and those of the style.
+constexpr int CellMargins = 10;
 
 //! Fields of the process figures that are shares of a whole, by their place in the line.
 constexpr int CpuField = 4;
 constexpr int MemoryField = 5;
 
-//! The ring around the focused widget, and the room between them, in pixels.
+//! The ring around the focused widget, and the gap between them, in pixels.
 constexpr QRgb FocusColor = qRgb(0, 120, 212);
 constexpr int FocusWidth = 2;
 constexpr int FocusGap = 1;
@@ -68,7 +75,36 @@ void setUpTable(QTreeWidget *tree, const QStringList &headers)
     tree->header()->setDefaultAlignment(Qt::AlignCenter);
     tree->header()->setSectionsMovable(false);
     tree->header()->setSectionResizeMode(QHeaderView::Stretch);
+    // Else Qt gives the last section a width of its own where the page changes size.
+    tree->header()->setStretchLastSection(false);
     tree->setSelectionMode(QAbstractItemView::NoSelection);
+}
+
+/*!
+    Gives each column of \a tree the same width, or, where one needs more than that and all fit
+    nonetheless, that column what it needs.
+*/
+void fitColumns(QTreeWidget *tree)
+{
+    QHeaderView *header = tree->header();
+    const QTreeWidgetItem *row = tree->topLevelItem(0);
+    const int count = tree->columnCount();
+    const int available = tree->viewport()->width();
+    QVector<int> needed;
+    for (int column = 0; column < count; ++column) {
+        const QString text = row ? row->text(column) : QString();
+        needed.append(std::max(header->sectionSizeHint(column),
+                               tree->fontMetrics().horizontalAdvance(text) + CellMargins));
+    }
+    const bool allFit = std::accumulate(needed.begin(), needed.end(), 0) <= available;
+    for (int column = 0; column < count; ++column) {
+        const bool needsMore = allFit && needed.at(column) > available / count;
+        const auto mode = needsMore ? QHeaderView::Fixed : QHeaderView::Stretch;
+        if (header->sectionResizeMode(column) != mode)
+            header->setSectionResizeMode(column, mode);
+        if (needsMore)
+            header->resizeSection(column, needed.at(column));
+    }
 }
 
 /*!
@@ -79,6 +115,7 @@ void layOutAtOnce(QTreeWidget *tree)
 {
     if (!tree->isVisible())
         return;
+    fitColumns(tree);
     tree->doItemsLayout();
     // Asking for the length is what makes the header lay out its sections.
     static_cast<void>(tree->header()->length());
@@ -257,6 +294,13 @@ void OverviewForm::keyPressEvent(QKeyEvent *event)
     QWidget::keyPressEvent(event);
 }
 
+void OverviewForm::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // Only now the table has its width.
+    fitColumns(ui->treeWidgetOW);
+}
+
 void OverviewForm::paintEvent(QPaintEvent *event)
 {
     QWidget::paintEvent(event);
@@ -264,11 +308,18 @@ void OverviewForm::paintEvent(QPaintEvent *event)
     const QWidget *focused = focusWidget();
     if (!focused || !focused->hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
         return;
-    // Around the widget: its style sheet leaves little inside that could show the focus.
+    // Around the widget: its style sheet leaves little inside that could show the focus. On whole
+    // device pixels, so that the ring is equally thick all round.
     const QRect inner = QRect(focused->mapTo(this, QPoint()), focused->size())
                                 .marginsAdded({FocusGap, FocusGap, FocusGap, FocusGap});
-    const QRect outer = inner.marginsAdded({FocusWidth, FocusWidth, FocusWidth, FocusWidth});
     QPainter painter(this);
-    painter.setClipRegion(QRegion(outer) - inner);
-    painter.fillRect(outer, QColor(FocusColor));
+    const QTransform toDevice = painter.deviceTransform();
+    const QTransform fromDevice = toDevice.inverted();
+    const QRect deviceInner = toDevice.mapRect(QRectF(inner)).toRect();
+    const int width = qRound(FocusWidth * devicePixelRatioF());
+    const QRect deviceOuter = deviceInner.marginsAdded({width, width, width, width});
+    QPainterPath ring;
+    ring.addRect(fromDevice.mapRect(QRectF(deviceOuter)));
+    ring.addRect(fromDevice.mapRect(QRectF(deviceInner)));
+    painter.fillPath(ring, QColor(FocusColor));
 }

@@ -40,6 +40,8 @@ public:
 protected:
     //! Makes Enter press the button that has the focus, as Space does.
     void keyPressEvent(QKeyEvent *event) override;
+    //! Fits the columns of the table to its width.
+    void showEvent(QShowEvent *event) override;
     //! Draws a ring around the widget that the keyboard has given the focus.
     void paintEvent(QPaintEvent *event) override;
 

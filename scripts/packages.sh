@@ -7,6 +7,7 @@
 build_packages=(
     cmake
     g++
+    libxcb-randr0-dev
     ninja-build
     qtbase5-dev
 )
@@ -31,6 +32,10 @@ display_packages=(
 
 # To test it.
 test_packages=(
+    adwaita-qt
+    kde-style-breeze
+    qt5-gtk-platformtheme
+    qt5ct
     libxcb-xfixes0-dev
     pkg-config
     xserver-xephyr

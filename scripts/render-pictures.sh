@@ -11,7 +11,7 @@
 # Needs rsvg-convert (Debian: librsvg2-bin) and icotool (icoutils).
 set -euo pipefail
 
-readonly ico_sizes=(16 24 32 48 64)
+readonly ico_sizes=(16 24 32 40 48 56 64 96)
 readonly theme_sizes=(16 22 24 32 48 64 128 256)
 readonly png_size=256
 readonly theme_name=corvane-panel

@@ -4,14 +4,20 @@
 #include "fancy/FancyTitleBar.h"
 #include "overview/OverviewForm.h"
 #include "settings/SettingsForm.h"
+#include "shell/DeviceLines.h"
 #include "shell/TabTitle.h"
+#include "shell/pagePalette.h"
 #include "ui_ServiceContainer.h"
 
 #include <QWKWidgets/widgetwindowagent.h>
 
+#include <QApplication>
+#include <QEvent>
+#include <QStyle>
+#include <QStyleFactory>
+
 namespace {
 
-constexpr QSize WindowSize(800, 600);
 constexpr int TitleBarHeight = 32;
 constexpr QRgb TitleBarGrey = qRgb(216, 217, 218);
 
@@ -46,10 +52,16 @@ ServiceContainer::ServiceContainer(QWidget *parent)
             &QWK::WindowAgentBase::inTitleBarDraggableArea, this,
             &ServiceContainer::inTitleBarDraggableArea);
 
-    setFixedSize(WindowSize);
+    setFixedSize(fixedSize());
 
     ui->stackedWidget->addWidget(new OverviewForm(ui->stackedWidget));
     ui->stackedWidget->addWidget(new SettingsForm(ui->stackedWidget));
+    // One by one: below a style sheet Qt hands no palette on.
+    const QList<QWidget *> pageWidgets = ui->stackedWidget->findChildren<QWidget *>();
+    for (QWidget *widget : pageWidgets)
+        widget->setPalette(pagePalette());
+    fitStyle();
+    new DeviceLines(ui->stackedWidget);
 
     connect(tab, &TabTitle::tabIndexChanged, this, &ServiceContainer::onTabIndexChanged);
     connect(titleBar, &FancyTitleBar::closeClicked, this, &QWidget::close);
@@ -66,6 +78,32 @@ ServiceContainer::~ServiceContainer()
 bool ServiceContainer::inTitleBarDraggableArea(const QPoint &pos) const
 {
     return tab && tab->inDragArea(pos);
+}
+
+void ServiceContainer::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        fitStyle();
+}
+
+/*!
+    Leaves the window in the application's style, or puts it into one of Qt's own where that paints
+    dark controls whatever their palette says: on the white page they would be unreadable.
+*/
+void ServiceContainer::fitStyle()
+{
+    constexpr int MediumLightness = 128;
+    const QColor background = QApplication::style()->standardPalette().color(QPalette::Window);
+    const bool isDark = background.lightness() < MediumLightness;
+    if (isDark == bool(lightStyle))
+        return;
+    QStyle *former = lightStyle;
+    lightStyle = isDark ? QStyleFactory::create(QStringLiteral("Fusion")) : nullptr;
+    if (lightStyle)
+        lightStyle->setParent(this);
+    setStyle(lightStyle);
+    delete former;
 }
 
 void ServiceContainer::onTabIndexChanged(int index)

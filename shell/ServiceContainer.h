@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class FancyBar;
+class QStyle;
 class TabTitle;
 class Ui_ServiceContainer;
 
@@ -26,16 +27,27 @@ public:
     explicit ServiceContainer(QWidget *parent = nullptr);
     ~ServiceContainer() override;
 
+    //! The size that every window has: 800 × 600 pixels at a scale of 1.
+    static constexpr QSize fixedSize() { return {800, 600}; }
+
     //! Whether a press at \a pos, in window coordinates, may drag the window. False where there is
     //! no tab header.
     bool inTitleBarDraggableArea(const QPoint &pos) const;
+
+protected:
+    //! Keeps the window readable when the desktop's style changes.
+    void changeEvent(QEvent *event) override;
 
 public slots:
     //! Shows page \a index: 0 is the run-status page, 1 the settings page.
     void onTabIndexChanged(int index);
 
 private:
+    void fitStyle();
+
     Ui_ServiceContainer *ui;
     FancyBar *bar = nullptr;
     TabTitle *tab = nullptr;
+    //! In use where the application's style is a dark one, null otherwise.
+    QStyle *lightStyle = nullptr;
 };

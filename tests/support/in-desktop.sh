@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Runs a command in surroundings of its own and cleans up behind it:
 #
-#   in-desktop.sh [--no-display] [--wm MANAGER|none] [--screen WxHxD]... [--session-bus]
-#                 [--pid-namespace] -- COMMAND...
+#   in-desktop.sh [--no-display] [--wm MANAGER|none] [--screen WxHxD]... [--server-dpi DPI]
+#                 [--session-bus] [--pid-namespace] -- COMMAND...
 #
 # The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
 # a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
 # further Xinerama screen to the right) with a window manager (openbox by default; arguments may
 # follow the name) that is ready before it starts and whose command line it finds in PANEL_TEST_WM;
+# the server's own resolution is 96 dpi unless told otherwise;
 # with --session-bus a D-Bus session, which the window manager shares; and with --pid-namespace a
 # process namespace in which it sees only its own children. The exit status is the command's; 70
 # where the surroundings can't be had.
@@ -16,6 +17,7 @@ set -euo pipefail
 display=yes
 wm=openbox
 screens=()
+server_dpi=96
 session_bus=no
 pid_namespace=no
 while [ $# -gt 0 ]; do
@@ -23,6 +25,7 @@ while [ $# -gt 0 ]; do
     --no-display) display=no ;;
     --wm) wm=$2; shift ;;
     --screen) screens+=("$2"); shift ;;
+    --server-dpi) server_dpi=$2; shift ;;
     --session-bus) session_bus=yes ;;
     --pid-namespace) pid_namespace=yes ;;
     --) shift; break ;;
@@ -103,7 +106,7 @@ if [ "$display" = yes ]; then
     # ends the server with this script, also where the script is killed outright.
     start_server() {
         : >"$root/display"
-        setpriv --pdeathsig TERM "$1" -displayfd 3 -nolisten tcp -noreset -dpi 96 "${@:2}" \
+        setpriv --pdeathsig TERM "$1" -displayfd 3 -nolisten tcp -noreset -dpi "$server_dpi" "${@:2}" \
             3>"$root/display" >"$root/log/$1" 2>&1 &
         server=$!
         started=("$server" "${started[@]}")

@@ -4,6 +4,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <cmath>
+
 namespace QWK {
 
 namespace {
@@ -75,6 +77,7 @@ void WidgetWindowAgent::attach()
     m_window = window;
     m_isDragging = false;
     m_isSettling = false;
+    m_exact.reset();
 }
 
 bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
@@ -94,7 +97,10 @@ bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
     // Until the last move has been carried out the press names a point of the window as it stood
     // before. A window manager may also have refused that move: it isn't waited for long.
     m_isSettling = m_isSettling && event.timestamp() - m_requestTime < SettlingTime;
-    m_grip = m_isSettling ? event.screenPos() - m_requested : event.localPos();
+    // Where it has come to rest the exact place counts: the rounding of many drags adds up.
+    const QPointF offset = event.screenPos() - event.localPos() - m_requested;
+    const bool isThere = std::abs(offset.x()) < 1 && std::abs(offset.y()) < 1;
+    m_grip = m_exact && (m_isSettling || isThere) ? event.screenPos() - *m_exact : event.localPos();
     return true;
 }
 
@@ -107,7 +113,8 @@ bool WidgetWindowAgent::handleMove(const QMouseEvent &event)
         return false;
     }
 
-    m_requested = (event.screenPos() - m_grip).toPoint();
+    m_exact = event.screenPos() - m_grip;
+    m_requested = m_exact->toPoint();
     m_requestTime = event.timestamp();
     m_isSettling = true;
     m_window->setPosition(m_requested);

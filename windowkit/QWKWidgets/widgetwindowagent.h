@@ -6,6 +6,8 @@
 #include <QPointF>
 #include <QPointer>
 
+#include <optional>
+
 class QMouseEvent;
 class QWidget;
 class QWindow;
@@ -58,6 +60,8 @@ private:
     //! The place last asked for, and when the pointer asked for it (milliseconds, the server's).
     QPoint m_requested;
     ulong m_requestTime = 0;
+    //! That place before it was rounded to whole pixels; none before the first drag.
+    std::optional<QPointF> m_exact;
     //! Whether it is still to be reported that the window has got there.
     bool m_isSettling = false;
 };

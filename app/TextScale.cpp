@@ -1,0 +1,194 @@
+#include "app/TextScale.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QRect>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+
+#include <xcb/xcb.h>
+#ifdef PANEL_HAS_RANDR
+#include <xcb/randr.h>
+#endif
+
+namespace {
+
+constexpr qreal BaseDpi = 96;
+//! Smaller differences come from monitors and rounding, not from a choice of the user's.
+constexpr qreal LeastScaledDpi = 110;
+constexpr qreal ScaleStep = 0.25;
+
+//! Each of them is a wish that the user has addressed to Qt itself.
+constexpr std::array<const char *, 4> ScalingVariables = {
+        "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_AUTO_SCREEN_SCALE_FACTOR",
+        "QT_ENABLE_HIGHDPI_SCALING"};
+constexpr const char *ScaleVariable = ScalingVariables[0];
+constexpr const char *FontVariable = "QT_FONT_DPI";
+
+constexpr char DpiResource[] = "Xft.dpi:";
+constexpr char WorkAreaAtom[] = "_NET_WORKAREA";
+//! In units of four bytes: more than any resource database holds.
+constexpr uint32_t MaximumPropertyLength = 1 << 20;
+
+struct Free
+{
+    void operator()(void *reply) const { std::free(reply); }
+};
+template<typename Reply>
+using Owned = std::unique_ptr<Reply, Free>;
+
+struct Disconnect
+{
+    void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
+};
+using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
+
+QByteArray property(xcb_connection_t *server, xcb_window_t window, xcb_atom_t name)
+{
+    const auto cookie = xcb_get_property(server, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0,
+                                         MaximumPropertyLength);
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(server, cookie, nullptr));
+    if (!reply)
+        return {};
+    return {static_cast<const char *>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+//! The value of Xft.dpi in the database \a resources, 0 where there is none.
+qreal textDpi(const QByteArray &resources)
+{
+    const QList<QByteArray> lines = resources.split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(DpiResource))
+            return line.mid(int(sizeof DpiResource) - 1).trimmed().toDouble();
+    }
+    return 0;
+}
+
+//! The rectangle of the primary monitor, or of the first; null where the server doesn't tell.
+QRect primaryMonitor(xcb_connection_t *server, xcb_window_t root)
+{
+#ifdef PANEL_HAS_RANDR
+    // Without the extension a request of it would end the connection.
+    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(server, &xcb_randr_id);
+    if (!extension || !extension->present)
+        return {};
+    // RANDR 1.5 is the first to know monitors.
+    const Owned<xcb_randr_query_version_reply_t> version(
+            xcb_randr_query_version_reply(server, xcb_randr_query_version(server, 1, 5), nullptr));
+    if (!version || (version->major_version == 1 && version->minor_version < 5))
+        return {};
+
+    const Owned<xcb_randr_get_monitors_reply_t> reply(
+            xcb_randr_get_monitors_reply(server, xcb_randr_get_monitors(server, root, 1), nullptr));
+    QRect result;
+    if (!reply)
+        return result;
+    for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
+         xcb_randr_monitor_info_next(&it)) {
+        if (result.isNull() || it.data->primary)
+            result = QRect(it.data->x, it.data->y, it.data->width, it.data->height);
+    }
+    return result;
+#else
+    Q_UNUSED(server)
+    Q_UNUSED(root)
+    return {};
+#endif
+}
+
+//! What the window manager leaves to windows, all monitors together; null where it doesn't tell.
+QRect managedArea(xcb_connection_t *server, xcb_window_t root)
+{
+    const Owned<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+            server, xcb_intern_atom(server, 1, sizeof WorkAreaAtom - 1, WorkAreaAtom), nullptr));
+    if (!atom || atom->atom == XCB_ATOM_NONE)
+        return {};
+    // One rectangle for each virtual desktop. The first stands for all.
+    const QByteArray value = property(server, root, atom->atom);
+    std::array<int32_t, 4> area = {};
+    if (size_t(value.size()) < sizeof area)
+        return {};
+    std::copy_n(value.constData(), sizeof area, reinterpret_cast<char *>(area.data()));
+    return {area[0], area[1], area[2], area[3]};
+}
+
+struct Desktop
+{
+    qreal dpi = 0;
+    QSize workArea;
+};
+
+Desktop askServer()
+{
+    int number = 0;
+    const Connection connection(xcb_connect(nullptr, &number));
+    xcb_connection_t *server = connection.get();
+    if (xcb_connection_has_error(server) != 0)
+        return {};
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(server));
+    while (number-- > 0 && screens.rem > 1)
+        xcb_screen_next(&screens);
+    const xcb_screen_t *screen = screens.data;
+
+    QRect workArea(0, 0, screen->width_in_pixels, screen->height_in_pixels);
+    for (const QRect &limit :
+         {primaryMonitor(server, screen->root), managedArea(server, screen->root)}) {
+        if (workArea.intersects(limit))
+            workArea &= limit;
+    }
+    return {textDpi(property(server, screen->root, XCB_ATOM_RESOURCE_MANAGER)), workArea.size()};
+}
+
+} // namespace
+
+TextScale::TextScale(const QSize &windowSize)
+{
+    const bool userToldQt =
+            std::any_of(ScalingVariables.begin(), ScalingVariables.end(),
+                        [](const char *name) { return !qEnvironmentVariableIsEmpty(name); });
+    if (userToldQt)
+        return;
+
+    const Desktop desktop = askServer();
+    const qreal scale = forWindow(desktop.dpi, windowSize, desktop.workArea);
+    if (scale > 1)
+        set(ScaleVariable, QByteArray::number(scale, 'g', 17));
+    // The scale covers the fonts. Without this Qt would enlarge them once more, and also by the
+    // resolution of the server itself.
+    if (qEnvironmentVariableIsEmpty(FontVariable))
+        set(FontVariable, QByteArray::number(BaseDpi));
+}
+
+void TextScale::keepFromChildren()
+{
+    for (const char *variable : qAsConst(m_variables))
+        qunsetenv(variable);
+    m_variables.clear();
+}
+
+qreal TextScale::forWindow(qreal dpi, const QSize &windowSize, const QSize &workArea)
+{
+    // Written so that no scale comes of what is not a number.
+    if (!(dpi >= LeastScaledDpi))
+        return 1;
+
+    const qreal wanted = dpi / BaseDpi;
+    if (workArea.isEmpty())
+        return wanted;
+    const qreal limit = std::min(qreal(workArea.width()) / windowSize.width(),
+                                 qreal(workArea.height()) / windowSize.height());
+    if (wanted <= limit)
+        return wanted;
+    return std::max(1.0, std::floor(limit / ScaleStep) * ScaleStep);
+}
+
+void TextScale::set(const char *variable, const QByteArray &value)
+{
+    if (qputenv(variable, value))
+        m_variables.append(variable);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QSize>
+#include <QVector>
+
+/*!
+    Has Qt scale the whole program by the text scale that the user has chosen for the desktop: the X
+    resource Xft.dpi, of which 96 means a scale of 1.
+
+    Create one before the application object, and call keepFromChildren() once that stands. In
+    between, environment variables tell Qt the scale. They are not touched where the user has told
+   Qt itself what to do, in QT_SCALE_FACTOR, QT_SCREEN_SCALE_FACTORS, QT_AUTO_SCREEN_SCALE_FACTOR or
+    QT_ENABLE_HIGHDPI_SCALING.
+
+    A resource below 110 counts as 96. So does the resolution that the X server computes by itself
+    from the size of the monitor, which Qt would take for the user's choice. The scale is fixed from
+    then on: a later change of the resource shows at the next start.
+*/
+class TextScale
+{
+public:
+    /*!
+        Asks the X server that DISPLAY names and sets the variables. A scale at which a window of
+        \a windowSize (in pixels at a scale of 1) would not fit into the primary monitor's work area
+        is reduced, see forWindow(). Without a server there is no scaling.
+    */
+    explicit TextScale(const QSize &windowSize);
+
+    //! Removes from the environment what the constructor has set.
+    void keepFromChildren();
+
+    /*!
+        The scale for a desktop with the text resolution \a dpi (dots per inch, 0 where the user has
+        chosen none): \a dpi / 96, or 1 below 110. Where a window of \a windowSize would then exceed
+        \a workArea (device pixels; empty means unlimited), the largest multiple of a quarter that
+        fits, but at least 1.
+    */
+    static qreal forWindow(qreal dpi, const QSize &windowSize, const QSize &workArea);
+
+private:
+    void set(const char *variable, const QByteArray &value);
+
+    QVector<const char *> m_variables;
+};

@@ -1,0 +1,547 @@
+#include "tests/support/PanelProcess.h"
+#include "tests/support/contrast.h"
+
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+const auto Window = QStringLiteral("ServiceContainer");
+const auto Table = QStringLiteral("treeWidgetOW");
+const auto Header = QStringLiteral("treeWidgetOW/QHeaderView");
+const auto RepairButton = QStringLiteral("xfkqfw");
+const QStringList Buttons = {QStringLiteral("kqfwdt"), QStringLiteral("kqzsk"), RepairButton};
+const QStringList Titles = {QStringLiteral("OverviewForm/labelOW"),
+                            QStringLiteral("OverviewForm/label"),
+                            QStringLiteral("OverviewForm/label_2")};
+const auto NameLabel = QStringLiteral("TabTitle/label");
+const QStringList Separators = {QStringLiteral("OverviewForm/line"),
+                                QStringLiteral("OverviewForm/line_3")};
+
+constexpr QSize WindowSize(800, 600);
+constexpr double TextContrast = 4.5;
+constexpr QRgb RowColor = qRgb(0xe7, 0xec, 0xf7);
+constexpr QRgb HeaderColor = qRgb(0x00, 0x78, 0xd4);
+constexpr QRgb BorderColor = HeaderColor;
+constexpr QRgb White = qRgb(255, 255, 255);
+constexpr QRgb CloseHoverColor = qRgb(255, 0, 0);
+constexpr int BoxTimeoutMs = 20000;
+constexpr int ShowTimeoutMs = 20000;
+//! Right of it there is nothing but text in a button.
+constexpr int ButtonTextOnly = 80;
+
+QImage screenshot()
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(
+            QImage::Format_RGB32);
+}
+
+QRgb mainColor(const QImage &image)
+{
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            ++counts[image.pixel(x, y)];
+    }
+    return std::max_element(counts.cbegin(), counts.cend()).key();
+}
+
+//! The smallest rectangle around all that stands out of the main colour.
+QRect ink(const QImage &image)
+{
+    const QRgb background = mainColor(image);
+    QRect result;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (contrast(image.pixel(x, y), background) > 2)
+                result |= QRect(x, y, 1, 1);
+        }
+    }
+    return result;
+}
+
+double textContrast(const QImage &image)
+{
+    const QRgb background = mainColor(image);
+    double result = 1;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            result = std::max(result, contrast(image.pixel(x, y), background));
+    }
+    return result;
+}
+
+//! How many of \a pixels from the first on have \a color.
+int run(const QVector<QRgb> &pixels, QRgb color)
+{
+    const auto end = std::find_if(pixels.begin(), pixels.end(),
+                                  [color](QRgb pixel) { return pixel != color; });
+    return int(end - pixels.begin());
+}
+
+QVector<QRgb> column(const QImage &image, int x)
+{
+    QVector<QRgb> result;
+    for (int y = 0; y < image.height(); ++y)
+        result.append(image.pixel(x, y));
+    return result;
+}
+
+QVector<QRgb> line(const QImage &image, int y)
+{
+    QVector<QRgb> result;
+    for (int x = 0; x < image.width(); ++x)
+        result.append(image.pixel(x, y));
+    return result;
+}
+
+QVector<QRgb> reversed(QVector<QRgb> pixels)
+{
+    std::reverse(pixels.begin(), pixels.end());
+    return pixels;
+}
+
+} // namespace
+
+/*!
+    The window on the desktops that people have: every text scale, device pixel ratio and theme, as
+    the X server shows it.
+*/
+class tst_Desktops : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void isScaledAndWhole_data();
+    void isScaledAndWhole();
+    void goesByWhatQtWasTold_data();
+    void goesByWhatQtWasTold();
+    void fitsTheScreen();
+    void childrenKnowNothingOfTheScale();
+    void isReadableInEveryTheme_data();
+    void isReadableInEveryTheme();
+    void staysReadableWhenTheThemeChanges();
+    void dragsDontDrift_data();
+    void dragsDontDrift();
+
+private:
+    void setTextDpi(const QByteArray &dpi);
+    void setQt5ct(const QByteArray &scheme);
+    bool start();
+    //! The window's place on the server, in device pixels.
+    QRect onServer();
+    //! A rectangle in the panel's coordinates as one in the screenshot's.
+    QRect onServer(const QRect &rect);
+    QImage shown(const QString &address);
+    //! The parts of the window that hold one text each, by a name.
+    QVector<QPair<QString, QImage>> texts();
+    void checkTexts();
+    void checkRow();
+    void checkLines();
+
+    std::unique_ptr<PanelProcess> m_panel;
+    QImage m_screen;
+};
+
+void tst_Desktops::init()
+{
+    m_panel = std::make_unique<PanelProcess>();
+    m_panel->placeDaemon();
+    PanelProcess::moveMouse(QPoint(0, 0));
+}
+
+void tst_Desktops::cleanup()
+{
+    m_panel.reset();
+    setTextDpi({});
+}
+
+//! Sets the X resource Xft.dpi, or removes it.
+void tst_Desktops::setTextDpi(const QByteArray &dpi)
+{
+    QProcess xrdb;
+    xrdb.start(QStringLiteral("xrdb"), {QStringLiteral("-load"), QStringLiteral("-nocpp")});
+    xrdb.write(dpi.isEmpty() ? QByteArray("\n") : "Xft.dpi:\t" + dpi + '\n');
+    xrdb.closeWriteChannel();
+    QVERIFY(xrdb.waitForFinished());
+    QCOMPARE(xrdb.exitCode(), 0);
+}
+
+//! Makes \a scheme the colours of the desktop, by way of qt5ct.
+void tst_Desktops::setQt5ct(const QByteArray &scheme)
+{
+    const QString folder = qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/qt5ct");
+    QVERIFY(QDir().mkpath(folder));
+    QFile file(folder + QStringLiteral("/qt5ct.conf"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[Appearance]\ncolor_scheme_path=/usr/share/qt5ct/colors/" + scheme
+               + ".conf\ncustom_palette=true\nstyle=Fusion\n");
+}
+
+//! Starts the panel and waits until all of the row is on the screen.
+bool tst_Desktops::start()
+{
+    if (!m_panel->start())
+        return false;
+    return QTest::qWaitFor(
+            [this] {
+                const QImage former = std::exchange(m_screen, screenshot());
+                const QPoint corner = onServer(m_panel->globalRect(Table)).bottomLeft();
+                return m_panel->rowTexts(Table).size() == 1 && former == m_screen
+                       && m_screen.pixel(corner + QPoint(8, -8)) == RowColor;
+            },
+            ShowTimeoutMs);
+}
+
+QRect tst_Desktops::onServer()
+{
+    QProcess xwininfo;
+    xwininfo.start(QStringLiteral("xwininfo"),
+                   {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))});
+    xwininfo.waitForFinished();
+    const QString output = QString::fromUtf8(xwininfo.readAllStandardOutput());
+    const auto figure = [&output](const char *name) {
+        return QRegularExpression(QLatin1String(name) + QStringLiteral(":\\s+(-?\\d+)"))
+                .match(output)
+                .captured(1)
+                .toInt();
+    };
+    return {figure("Absolute upper-left X"), figure("Absolute upper-left Y"), figure("Width"),
+            figure("Height")};
+}
+
+QRect tst_Desktops::onServer(const QRect &rect)
+{
+    const QRect server = onServer();
+    const QPoint origin = m_panel->globalRect(Window).topLeft();
+    const double ratio = double(server.width()) / WindowSize.width();
+    const QRectF local = QRectF(rect).translated(-origin);
+    return QRectF(local.topLeft() * ratio, local.size() * ratio)
+            .translated(server.topLeft())
+            .toRect();
+}
+
+QImage tst_Desktops::shown(const QString &address)
+{
+    return m_screen.copy(onServer(m_panel->globalRect(address)));
+}
+
+QVector<QPair<QString, QImage>> tst_Desktops::texts()
+{
+    QVector<QPair<QString, QImage>> result;
+    for (const QString &title : Titles)
+        result.append({title, shown(title)});
+    result.append({NameLabel, shown(NameLabel)});
+    for (const QString &button : Buttons) {
+        const QRect text = m_panel->globalRect(button).adjusted(ButtonTextOnly, 3, -3, -3);
+        result.append({button, m_screen.copy(onServer(text))});
+    }
+    const int headerHeight = m_panel->globalRect(Header).height();
+    const PanelProcess::Row row = m_panel->rows(Table).value(0);
+    for (const PanelProcess::Cell &cell : row) {
+        QRect inner = cell.globalRect.adjusted(3, 3, -3, -3);
+        inner.setBottom(std::min(inner.bottom(), m_panel->globalRect(Table).bottom()));
+        result.append({cell.text, m_screen.copy(onServer(inner))});
+        const QRect title(cell.globalRect.left(), cell.globalRect.top() - headerHeight,
+                          cell.globalRect.width(), headerHeight);
+        result.append({QStringLiteral("header of ") + cell.text,
+                       m_screen.copy(onServer(title.adjusted(3, 3, -3, -3)))});
+    }
+    return result;
+}
+
+void tst_Desktops::checkTexts()
+{
+    const auto all = texts();
+    QCOMPARE(all.size(), 19);
+    for (const auto &[name, image] : all) {
+        QVERIFY2(textContrast(image) >= TextContrast,
+                 qPrintable(QStringLiteral("%1: %2").arg(name).arg(textContrast(image))));
+        // Nothing of it touches the edge, and there is something.
+        const QRect place = ink(image);
+        QVERIFY2(place.height() >= 6 && place.width() >= 3, qPrintable(name));
+        // Labels are as wide as their text.
+        const int margin = Titles.contains(name) || name == NameLabel ? 0 : 1;
+        QVERIFY2(image.rect().adjusted(0, 1, -margin, -1).contains(place), qPrintable(name));
+    }
+}
+
+//! The header and the row reach from edge to edge of the table, and nothing covers them.
+void tst_Desktops::checkRow()
+{
+    const QImage table = shown(Table);
+    const int headerHeight = shown(Header).height();
+    const QVector<QRgb> first = column(table, 4);
+    QCOMPARE(std::count(first.begin(), first.end(), HeaderColor)
+                     + std::count(first.begin(), first.end(), RowColor)
+                     + std::count(first.begin(), first.end(), White),
+             first.size());
+    const int rowHeight = table.height() - headerHeight;
+    QVERIFY(std::count(first.begin(), first.end(), RowColor) >= rowHeight * 9 / 10);
+    QCOMPARE(m_panel->rows(Table).value(0).last().globalRect.right(),
+             m_panel->globalRect(Table).right());
+    for (const QString &bar : {QStringLiteral("/QScrollBar")})
+        QVERIFY(!m_panel->property(Table + bar, "visible").toBool());
+}
+
+void tst_Desktops::checkLines()
+{
+    const double ratio = double(onServer().width()) / WindowSize.width();
+    const bool isWhole = qFuzzyCompare(ratio, std::round(ratio));
+    const int border = int(std::ceil(ratio));
+
+    QVector<QVector<QRgb>> separators;
+    for (const QString &separator : Separators) {
+        const QImage image = shown(separator);
+        for (const int x : {1, image.width() / 2, image.width() - 2}) {
+            QVector<QRgb> pixels = column(image, x);
+            pixels.erase(std::remove(pixels.begin(), pixels.end(), White), pixels.end());
+            separators.append(pixels);
+        }
+    }
+    QVERIFY(!separators.first().isEmpty());
+    if (!isWhole)
+        QCOMPARE(separators.first().size(), qRound(ratio));
+    for (const auto &separator : qAsConst(separators))
+        QCOMPARE(separator, separators.first());
+
+    for (const QString &button : Buttons) {
+        const QImage image = shown(button);
+        const QVector<QRgb> across = line(image, image.height() / 4);
+        const QVector<QRgb> down = column(image, image.width() / 4);
+        QCOMPARE(run(across, BorderColor), border);
+        QCOMPARE(run(reversed(across), BorderColor), border);
+        QCOMPARE(run(down, BorderColor), border);
+        QCOMPARE(run(reversed(down), BorderColor), border);
+    }
+
+    // The gaps between the columns, in the header and in the row.
+    const int gap = int(std::ceil(2 * ratio));
+    for (const auto &[address, color] :
+         {std::make_pair(Header, HeaderColor), std::make_pair(Table, RowColor)}) {
+        const QImage image = shown(address);
+        const QVector<QRgb> pixels = line(image, image.height() - 4 * border);
+        QVector<int> gaps;
+        for (int x = 4; x < pixels.size() - 4; ++x) {
+            if (pixels.at(x) == White && pixels.at(x - 1) == color)
+                gaps.append(run(pixels.mid(x), White));
+        }
+        QCOMPARE(gaps, QVector<int>(5, gap));
+    }
+}
+
+void tst_Desktops::isScaledAndWhole_data()
+{
+    QTest::addColumn<QByteArray>("dpi");
+    QTest::addColumn<QByteArray>("factor");
+    QTest::addColumn<QSize>("size");
+
+    const QByteArray none;
+    QTest::newRow("no wish") << none << none << QSize(800, 600);
+    QTest::newRow("96") << QByteArray("96") << none << QSize(800, 600);
+    QTest::newRow("109") << QByteArray("109") << none << QSize(800, 600);
+    QTest::newRow("nonsense") << QByteArray("large") << none << QSize(800, 600);
+    QTest::newRow("120") << QByteArray("120") << none << QSize(1000, 750);
+    QTest::newRow("144") << QByteArray("144") << none << QSize(1200, 900);
+    QTest::newRow("168") << QByteArray("168") << none << QSize(1400, 1050);
+    QTest::newRow("192") << QByteArray("192") << none << QSize(1600, 1200);
+    QTest::newRow("288") << QByteArray("288") << none << QSize(2400, 1800);
+    QTest::newRow("factor 1.25") << none << QByteArray("1.25") << QSize(1000, 750);
+    QTest::newRow("factor 1.5") << none << QByteArray("1.5") << QSize(1200, 900);
+    QTest::newRow("factor 1.75") << none << QByteArray("1.75") << QSize(1400, 1050);
+    QTest::newRow("factor 3") << none << QByteArray("3") << QSize(2400, 1800);
+}
+
+void tst_Desktops::isScaledAndWhole()
+{
+    QFETCH(QByteArray, dpi);
+    QFETCH(QByteArray, factor);
+    QFETCH(QSize, size);
+    setTextDpi(dpi);
+    if (!factor.isEmpty())
+        m_panel->environment().insert(QStringLiteral("QT_SCALE_FACTOR"),
+                                      QString::fromLatin1(factor));
+    QVERIFY(start());
+
+    QCOMPARE(onServer().size(), size);
+    QCOMPARE(m_panel->property(Window, "size").toSize(), WindowSize);
+    checkTexts();
+    checkRow();
+    checkLines();
+}
+
+void tst_Desktops::goesByWhatQtWasTold_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<QSize>("size");
+
+    QTest::newRow("factor") << "QT_SCALE_FACTOR"
+                            << "1" << QSize(800, 600);
+    QTest::newRow("screens") << "QT_SCREEN_SCALE_FACTORS"
+                             << "1.5" << QSize(1200, 900);
+    QTest::newRow("off") << "QT_AUTO_SCREEN_SCALE_FACTOR"
+                         << "0" << QSize(800, 600);
+    QTest::newRow("on") << "QT_ENABLE_HIGHDPI_SCALING"
+                        << "1" << QSize(1600, 1200);
+    QTest::newRow("nothing") << "QT_SCALE_FACTOR"
+                             << "" << QSize(1600, 1200);
+}
+
+void tst_Desktops::goesByWhatQtWasTold()
+{
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    QFETCH(QSize, size);
+    setTextDpi("192");
+    m_panel->environment().insert(variable, value);
+    QVERIFY(start());
+
+    QCOMPARE(onServer().size(), size);
+    checkRow();
+    checkTexts();
+    const auto environment = m_panel->application(QStringLiteral("environment")).toStringList();
+    QVERIFY(environment.contains(variable + QLatin1Char('=') + value) || value.isEmpty());
+}
+
+void tst_Desktops::fitsTheScreen()
+{
+    // The test's own screen has room for a scale of 3, but not of 4.
+    setTextDpi("384");
+    QVERIFY(start());
+    QCOMPARE(onServer().size(), WindowSize * 3.25);
+}
+
+void tst_Desktops::childrenKnowNothingOfTheScale()
+{
+    setTextDpi("192");
+    QVERIFY(start());
+    QTRY_VERIFY(m_panel->hasDaemonRecord());
+    const QStringList known = m_panel->daemonRecord(QStringLiteral("environment"))
+                              + m_panel->application(QStringLiteral("environment")).toStringList();
+    QVERIFY(known.contains(QStringLiteral("QT_QPA_PLATFORM=xcb")));
+    QCOMPARE(known.filter(QRegularExpression(QStringLiteral("^QT_.*(SCALE|DPI)"))), QStringList());
+}
+
+void tst_Desktops::isReadableInEveryTheme_data()
+{
+    QTest::addColumn<QByteArray>("dpi");
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+
+    for (const char *dpi : {"96", "192"}) {
+        const auto add = [dpi](const char *name, const char *variable, const char *value) {
+            QTest::addRow("%s at %s", name, dpi) << QByteArray(dpi) << QString::fromLatin1(variable)
+                                                 << QString::fromLatin1(value);
+        };
+        add("Fusion", "QT_STYLE_OVERRIDE", "Fusion");
+        add("Windows", "QT_STYLE_OVERRIDE", "Windows");
+        add("Breeze", "QT_STYLE_OVERRIDE", "breeze");
+        add("adwaita-dark", "QT_STYLE_OVERRIDE", "adwaita-dark");
+        add("dark qt5ct", "QT_QPA_PLATFORMTHEME", "qt5ct");
+        add("dark gtk3", "QT_QPA_PLATFORMTHEME", "gtk3");
+    }
+}
+
+void tst_Desktops::isReadableInEveryTheme()
+{
+    QFETCH(QByteArray, dpi);
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    setTextDpi(dpi);
+    setQt5ct("darker");
+    m_panel->environment().insert(variable, value);
+    m_panel->environment().insert(QStringLiteral("GTK_THEME"), QStringLiteral("Adwaita:dark"));
+    QVERIFY(start());
+
+    QCOMPARE(onServer().width(), dpi == "192" ? 1600 : 800);
+    checkTexts();
+    checkRow();
+
+    PanelProcess::clickAt(onServer(m_panel->globalRect(RepairButton)).center());
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
+    for (const QString &part : {QStringLiteral("QMessageBox/qt_msgbox_label"),
+                                QStringLiteral("QMessageBox/QPushButton")}) {
+        QImage image;
+        QTRY_VERIFY(
+                (m_screen = screenshot(), image = shown(part),
+                 textContrast(image.copy(image.rect().adjusted(6, 6, -6, -6))) >= TextContrast));
+    }
+    PanelProcess::pressKeys("Return");
+    QTRY_VERIFY(!m_panel->messageBox());
+}
+
+void tst_Desktops::staysReadableWhenTheThemeChanges()
+{
+    setQt5ct("airy");
+    m_panel->environment().insert(QStringLiteral("QT_QPA_PLATFORMTHEME"), QStringLiteral("qt5ct"));
+    QVERIFY(start());
+    const auto lightness = [this] {
+        return m_panel->property(Window, "palette")
+                .value<QPalette>()
+                .windowText()
+                .color()
+                .lightness();
+    };
+    QVERIFY(lightness() < 128);
+
+    setQt5ct("darker");
+    QTRY_VERIFY_WITH_TIMEOUT(lightness() > 128, BoxTimeoutMs);
+    QTRY_VERIFY(screenshot() == std::exchange(m_screen, screenshot()));
+    checkTexts();
+    checkRow();
+    checkLines();
+}
+
+void tst_Desktops::dragsDontDrift_data()
+{
+    QTest::addColumn<QString>("factor");
+    for (const char *factor : {"1", "1.25", "1.5", "1.75", "2", "3"})
+        QTest::newRow(factor) << QString::fromLatin1(factor);
+}
+
+void tst_Desktops::dragsDontDrift()
+{
+    QFETCH(QString, factor);
+    constexpr QPoint Way(61, 37);
+    m_panel->environment().insert(QStringLiteral("QT_SCALE_FACTOR"), factor);
+    QVERIFY(start());
+    const QPoint home = onServer().topLeft();
+    const QPoint grip = home + QPoint(400, 12) * factor.toDouble();
+    const auto near = [this](const QPoint &place) {
+        const QPoint offset = onServer().topLeft() - place;
+        return std::abs(offset.x()) <= 1 && std::abs(offset.y()) <= 1;
+    };
+
+    for (int drag = 0; drag < 20; ++drag) {
+        const QPoint from = drag % 2 ? Way : QPoint();
+        const QPoint to = drag % 2 ? QPoint() : Way;
+        PanelProcess::moveMouse(grip + from);
+        PanelProcess::pressButton();
+        PanelProcess::moveMouse(grip + to);
+        PanelProcess::releaseButton();
+        QTRY_VERIFY(near(home + to));
+    }
+    QCOMPARE(onServer().topLeft(), home);
+
+    const QPoint close =
+            onServer(m_panel->globalRect(QStringLiteral("FancyBar/FancyButton"))).center();
+    const QPoint corner = onServer().topRight() + QPoint(-46, 4) * factor.toDouble();
+    PanelProcess::moveMouse(corner);
+    QTRY_COMPARE(screenshot().pixel(corner), CloseHoverColor);
+    Q_UNUSED(close)
+    PanelProcess::clickAt(corner);
+    QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+}
+
+QTEST_MAIN(tst_Desktops)
+#include "tst_Desktops.moc"

@@ -109,5 +109,10 @@ int main(int argc, char *argv[])
                 (screenSize.height() - window.height()) / 2);
     window.show();
 
-    return QApplication::exec();
+    const int status = QApplication::exec();
+
+    // Newer Qt warns of a handler that is destroyed while it is still registered.
+    QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+    QDesktopServices::unsetUrlHandler(QStringLiteral("http"));
+    return status;
 }

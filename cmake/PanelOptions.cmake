@@ -17,9 +17,9 @@ set(PANEL_SERVICE_HALL_HOST "hall.shuochuan.example" CACHE STRING
     "Host of the service-hall page (a host name, nothing else)")
 set(PANEL_KNOWLEDGE_BASE_HOST "wiki.shuochuan.example" CACHE STRING
     "Host of the knowledge-base page (a host name, nothing else)")
-set(PANEL_WINDOW_AGENT "auto" CACHE STRING
-    "Frameless-window agent: auto, system (an installed QWindowKit) or bundled")
-set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS auto system bundled)
+set(PANEL_WINDOW_AGENT "bundled" CACHE STRING
+    "Frameless-window agent: bundled (windowkit/) or system (an installed QWindowKit)")
+set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS bundled system)
 
 # Stated, so that it stands in the compile commands, where other tools read it.
 set(CMAKE_CXX_STANDARD 17)

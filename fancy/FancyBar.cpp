@@ -7,7 +7,6 @@
 #include "fancy/popUpBelow_p.h"
 
 #include <QAction>
-#include <QActionGroup>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -44,39 +43,9 @@ void deleteUnplaced(Object *object)
     if (object && !object->parent())
         delete object;
 }
-
-//! Checks or unchecks \a action as triggering it would, without the signal triggered().
-void toggleChecked(QAction &action)
-{
-    const QActionGroup *group = action.actionGroup();
-    const bool staysChecked = action.isChecked() && group && group->isExclusive();
-    if (action.isCheckable() && !staysChecked)
-        action.toggle();
-}
-
-// A button whose clicked() triggers its default action. A tool button would trigger it by itself as
-// well, but not for the mouse, which is handled by the painted button.
-class ActionButton : public FancyButton
-{
-public:
-    using FancyButton::FancyButton;
-
-protected:
-    void nextCheckState() override
-    {
-        if (defaultAction())
-            toggleChecked(*defaultAction());
-    }
-    void mouseReleaseEvent(QMouseEvent *event) override
-    {
-        if (event->button() == Qt::LeftButton && rect().contains(event->localPos().toPoint()))
-            nextCheckState();
-        FancyButton::mouseReleaseEvent(event);
-    }
-};
 } // namespace
 
-// Red on purpose: it shows at once that an owner has set no colour.
+// Red shows at once that an owner has set no colour.
 QColor FancyBar::s_backgroundColor(255, 0, 0);
 
 FancyBarPrivate::FancyBarPrivate(QObject *parent)
@@ -93,7 +62,7 @@ FancyBarPrivate::~FancyBarPrivate()
     deleteUnplaced(m_menuWidget);
     deleteUnplaced(m_titleWidget);
     deleteUnplaced(m_logoLayout);
-    // Deliberately created and never placed, so no layout ever owns it.
+    // Never placed, so no layout owns it.
     delete m_rightSpacerItem;
 }
 
@@ -153,7 +122,7 @@ void FancyBarPrivate::createTitleWidget()
     if (m_systemGroup)
         row->addWidget(m_systemGroup);
     m_titleWidget->setLayout(row);
-    // A spacer is no object: it can only be known to be gone by the row that it stands in.
+    // QSpacerItem is no QObject; its layout's destruction tells us that it is gone.
     connect(row, &QObject::destroyed, this, [this] { m_leftSpacerItem = nullptr; });
 }
 
@@ -184,7 +153,7 @@ void FancyBarPrivate::createMenuWidget()
 
 FancyButton *FancyBarPrivate::createActionButton(QAction *action)
 {
-    auto *button = new ActionButton(nullptr);
+    auto *button = new FancyButton(nullptr);
     button->setText(action->text());
     button->setToolTip(action->toolTip());
     button->setIcon(action->icon());
@@ -228,10 +197,10 @@ void FancyBarPrivate::showMenuWidget(bool on)
     m_menuWidget->setVisible(on);
 }
 
-// A hook: the style is deliberately kept as it is.
+// A hook: the style stays as it is.
 void FancyBarPrivate::setFancyStyle(FancyBar::FancyStyle) { }
 
-// A hook: the menu colours are stored and deliberately applied nowhere.
+// A hook: the menu colours are stored and applied nowhere.
 void FancyBarPrivate::updateMenuColor() { }
 
 void FancyBarPrivate::aboutToShowMenu()
@@ -252,7 +221,7 @@ void FancyBarPrivate::menuTriggered(QMouseEvent *event)
     if (!event || !button || !button->defaultAction() || !button->defaultAction()->menu())
         return;
     QMenu *menu = button->defaultAction()->menu();
-    // Anew on every press, on purpose: the connections add up.
+    // Required: each press connects anew, and the connections add up.
     connect(menu, &QMenu::aboutToShow, this, &FancyBarPrivate::aboutToShowMenu);
     connect(menu, &QMenu::aboutToHide, this, &FancyBarPrivate::aboutToHideMenu);
 
@@ -339,7 +308,7 @@ void FancyBar::setTitleBarHeight(int height)
 {
     if (!d || d->m_titleBarHeight == 0)
         return;
-    // The default height is deliberately not among those that are stored.
+    // The default height is not stored: a call with it keeps the height set before.
     if (height >= MinimumTitleBarHeight && height <= MaximumTitleBarHeight)
         d->m_titleBarHeight = height;
     setFixedHeight(d->m_titleBarHeight);

@@ -9,8 +9,8 @@ class FancyTitleBar;
 class QAction;
 
 /*!
-    The title strip of a frameless window: a row with room for the caller's own controls at the left
-    and the window's system buttons at the right, on a solid background.
+    The title strip of a frameless window: a row with space for the caller's own controls at the
+    left and the window's system buttons at the right, on a solid background.
 
     Create it with the window as parent and place it at the top of the window's layout. It brings a
     FancyTitleBar for that window along, see titleBar(); connect its closeClicked() to the window's
@@ -75,8 +75,8 @@ public:
         of an action with a menu opens the menu at the button's bottom left corner, and the button
         looks pressed while it is open.
 
-        Mouse, keyboard and click() alike trigger the action once, and toggle it once where it is
-        checkable. For the mouse triggered() carries false even so: ask the action itself.
+        Mouse, keyboard and click() alike emit the button's clicked() and with it the action's
+        triggered(), once. None of them toggles a checkable action.
 
         Returns the button, or null for a null \a action. Where the row doesn't exist the button is
         placed nowhere: give it a parent, or it goes with the bar.

@@ -19,7 +19,7 @@ const QLatin1String
         NoBorderSheet("QToolButton::menu-indicator { image: None; }"
                       "QToolButton{background-color: transparent;color: #%1;border:none;}");
 constexpr qreal OutlineWidth = 1.0;
-//! Of the mark of the focus, in pixels.
+//! Of the focus ring, in pixels.
 constexpr int FocusMargin = 3;
 constexpr int FocusWidth = 2;
 
@@ -32,6 +32,22 @@ QPixmap devicePixmap(const QIcon &icon, const QSize &size)
     const QPixmap pixmap = icon.pixmap(size, QIcon::Normal, QIcon::Off);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, multiplies);
     return pixmap;
+}
+
+/*!
+    Has \a painter paint in device pixels from now on, and returns \a rect in them: its corner and
+    its size are rounded, so that nothing is blurred or uneven at a fractional scale.
+*/
+QRect snapToDevice(QPainter &painter, const QRect &rect)
+{
+    const QTransform toDevice = painter.deviceTransform();
+    // A rotated button has no edge to snap to.
+    if (toDevice.type() > QTransform::TxScale)
+        return rect;
+    painter.setWorldTransform(toDevice.inverted());
+    const QPointF corner = toDevice.map(QPointF(rect.topLeft()));
+    return {corner.toPoint(),
+            QSize(qRound(rect.width() * toDevice.m11()), qRound(rect.height() * toDevice.m22()))};
 }
 
 } // namespace
@@ -143,20 +159,7 @@ void FancyButton::setRound(bool round)
         d->m_bRound = round;
 }
 
-// The base swallows what reaches a disabled button. A button that was disabled while it was held
-// down must still come up.
-bool FancyButton::event(QEvent *event)
-{
-    if (d && !isEnabled() && event->type() == QEvent::MouseButtonRelease
-        && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
-        d->m_bMousePress = false;
-        update();
-    }
-    return QToolButton::event(event);
-}
-
-// The base's handler would also announce the default action to the status bar: deliberately left
-// out.
+// Without the base's handler, which would announce the default action to the status bar.
 void FancyButton::enterEvent(QEvent *)
 {
     if (d && isEnabled())
@@ -169,7 +172,7 @@ void FancyButton::leaveEvent(QEvent *)
         d->m_bMouseHover = false;
 }
 
-// Deliberately without the base's handler, which would open the menu of the default action.
+// Without the base's handler, which would open the menu of the default action.
 void FancyButton::mousePressEvent(QMouseEvent *event)
 {
     if (!d || !event || !isEnabled() || event->button() != Qt::LeftButton)
@@ -189,7 +192,15 @@ void FancyButton::mouseDoubleClickEvent(QMouseEvent *event)
         emit doubleClicked();
 }
 
-// Where the button went down is deliberately not asked: any left release inside clicks.
+// Without the base's check state: the base would trigger the default action beside clicked(), which
+// is to be connected to it.
+void FancyButton::nextCheckState()
+{
+    if (!defaultAction())
+        QToolButton::nextCheckState();
+}
+
+// Any left release inside clicks, wherever the button went down.
 void FancyButton::mouseReleaseEvent(QMouseEvent *event)
 {
     if (!d || !event || event->button() != Qt::LeftButton)
@@ -207,29 +218,27 @@ void FancyButton::paintEvent(QPaintEvent *)
     paintBackground();
     paintTextAndFrame();
     paintIcon();
-    paintFocus();
-}
-
-QColor FancyButton::backgroundColor() const
-{
-    if (d->m_bMousePress)
-        return d->m_pressColor;
-    // The pointer may still be over a button that was disabled under it.
-    if (d->m_bMouseHover && isEnabled())
-        return d->m_hoverColor;
-    return d->m_normalColor;
+    paintFocusRing();
 }
 
 void FancyButton::paintBackground()
 {
-    const QColor color = backgroundColor();
-    if (!color.isValid())
+    QBrush brush(Qt::NoBrush);
+    // Only the normal colour may be invalid to paint nothing; an invalid one gives a solid brush.
+    if (d->m_bMousePress)
+        brush = d->m_pressColor;
+    // The pointer may still be over a button that was disabled under it.
+    else if (d->m_bMouseHover && isEnabled())
+        brush = d->m_hoverColor;
+    else if (d->m_normalColor.isValid())
+        brush = d->m_normalColor;
+    else
         return;
 
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QBrush(Qt::NoBrush), OutlineWidth));
-    painter.setBrush(color);
+    painter.setBrush(brush);
     if (d->m_bRound) {
         const int radius = qMin(width(), height()) / 2;
         painter.drawEllipse(width() / 2 - radius, height() / 2 - radius, 2 * radius, 2 * radius);
@@ -271,17 +280,21 @@ void FancyButton::paintIcon()
     const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(target, pixmap);
+    painter.drawPixmap(snapToDevice(painter, target), pixmap);
 }
 
-// The style sheet hides the style's own mark of the focus.
-void FancyButton::paintFocus()
+// The style sheet hides the style's own focus ring.
+void FancyButton::paintFocusRing()
 {
     if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
         return;
-    const QRect outer = rect().marginsRemoved({FocusMargin, FocusMargin, FocusMargin, FocusMargin});
-    const QRect inner = outer.marginsRemoved({FocusWidth, FocusWidth, FocusWidth, FocusWidth});
     QPainter painter(this);
-    painter.setClipRegion(QRegion(outer) - inner);
-    painter.fillRect(outer, Qt::black);
+    const QRect button = snapToDevice(painter, rect());
+    const qreal scale = qreal(button.width()) / width();
+    const int margin = qRound(FocusMargin * scale);
+    const int ring = qRound(FocusWidth * scale);
+    const QRect outer = button.adjusted(margin, margin, -margin, -margin);
+    const QRect inner = outer.adjusted(ring, ring, -ring, -ring);
+    for (const QRect &side : QRegion(outer) - inner)
+        painter.fillRect(side, Qt::black);
 }

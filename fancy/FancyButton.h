@@ -6,8 +6,8 @@
 struct FancyButtonPrivate;
 
 /*!
-    A flat tool button that paints its own background for its states (at rest, under the pointer,
-    pressed), draws its icon centred at exactly iconSize() on screens of any density, and leaves the
+    A flat tool button that paints its own background for its states (idle, under the pointer,
+   pressed), draws its icon centred at exactly iconSize() on screens of any density, and leaves the
     opening of a menu to whoever listens to menuTriggered().
 
     Differences from QToolButton that a caller should know:
@@ -17,15 +17,18 @@ struct FancyButtonPrivate;
       within reach of the keyboard needs a way of its own, such as a shortcut.
     - A left press or release acts on its own: a release inside the button emits clicked(false),
       wherever the button went down. The pressed() and released() signals and isDown() stay out of
-      it when the mouse is used, and the default action isn't triggered: connect clicked() to it.
+      it when the mouse is used.
+    - The button never triggers or toggles its default action, by mouse or keyboard: connect
+      clicked() to it.
     - The text is painted beneath the icon (an icon-only tool button shows its text where it has no
       icon). Give a button with an icon no text unless its icon covers it.
     - A disabled button ignores the mouse and never shows the hover colour. One that is disabled
-      while it is held down comes up with the release all the same, and clicks nothing.
-    - A black ring inside the button marks the focus where the keyboard has brought it.
+      while it is held down looks pressed until select(false) or the next left release.
+    - A black focus ring inside the button shows that the keyboard has brought the focus there.
 
     Colours take effect with the next repaint; the setters don't ask for one unless they say so. An
-    invalid colour paints no background.
+    invalid normal colour paints no background, an invalid hover or press colour an opaque black
+   one.
 */
 class FancyButton : public QToolButton
 {
@@ -34,8 +37,8 @@ class FancyButton : public QToolButton
 public:
     /*!
         Creates an auto-raising, icon-only button with a border, white text, a translucent white
-        hover colour, a translucent black press colour and no colour at rest. It belongs to
-        \a parent.
+        hover colour, a translucent black press colour and no normal colour. It belongs to \a
+       parent.
     */
     explicit FancyButton(QWidget *parent = nullptr);
     ~FancyButton() override;
@@ -58,7 +61,7 @@ public:
     void setTextColor(const QColor &color);
     QColor textColor() const;
 
-    //! Background at rest; invalid by default, which paints none.
+    //! Background otherwise; invalid by default, which paints none.
     void setNormalColor(const QColor &color);
     QColor normalColor() const;
 
@@ -87,20 +90,19 @@ signals:
     void doubleClicked();
 
 protected:
-    bool event(QEvent *event) override;
     void enterEvent(QEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void nextCheckState() override;
 
 private:
-    QColor backgroundColor() const;
     void paintBackground();
     void paintTextAndFrame();
     void paintIcon();
-    void paintFocus();
+    void paintFocusRing();
 
     FancyButtonPrivate *d;
 };

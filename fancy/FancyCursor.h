@@ -35,6 +35,6 @@ public:
     bool m_bOnBottomLeftEdge : 1;
     bool m_bOnTopRightEdge : 1;
     bool m_bOnBottomRightEdge : 1;
-    //! In pixels. Deliberately so narrow that no band can be wider than 15.
+    //! In pixels. Five bits, so that no band can be wider than 15.
     signed int m_nBorderWidth : 5;
 };

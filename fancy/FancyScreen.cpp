@@ -17,7 +17,7 @@ FancyScreen::FancyScreen()
 {
     const QList<QScreen *> screens = QGuiApplication::screens();
     for (const QScreen *screen : screens) {
-        // The virtual desktop's geometry, not the screen's own, is deliberate.
+        // Not geometry(): a window is placed on the whole virtual desktop.
         if (screen)
             m_screenRects.append(screen->virtualGeometry());
     }
@@ -42,7 +42,7 @@ QRect FancyScreen::screenRect(int index) const
 
 QRect FancyScreen::normalRect()
 {
-    // A desktop widget is to be had exactly where the application is one for widgets.
+    // Only a QApplication has a desktop widget.
     const bool hasDesktop = qobject_cast<QApplication *>(QCoreApplication::instance());
     const QScreen *screen = QGuiApplication::primaryScreen();
     return hasDesktop && screen ? normalRectIn(screen->virtualGeometry()) : QRect();

@@ -13,15 +13,15 @@ class FancyScreen
 {
 public:
     /*!
-        Takes down every screen in the order in which the application reports them. Each is noted
-        with the geometry of the virtual desktop that it belongs to, not with its own.
+        Records every screen in the order in which the application reports them, each with the
+        geometry of the virtual desktop that it belongs to, not with its own.
     */
     FancyScreen();
 
     /*!
         Returns the index of the first screen whose right edge plus one pixel is not left of \a x:
-        the screens are taken to lie from left to right in their order, and nothing else is looked
-        at. Returns 0 where no screen matches and where there is none.
+        the screens are assumed to lie from left to right in their order. Returns 0 where no screen
+       matches and where there is none.
     */
     int currentScreen(int x) const;
 

@@ -30,7 +30,7 @@ QIcon commandIcon(const char *command)
 
 FancyTitleBarPrivate::FancyTitleBarPrivate()
 {
-    // Both variants come from the same files on purpose; the icon setters are for other looks.
+    // Both variants come from the same files; the icon setters are for other looks.
     for (const int variant : {Light, Dark}) {
         m_closeIcon[variant] = commandIcon("close");
         m_minimizeIcon[variant] = commandIcon("minimize");
@@ -100,8 +100,7 @@ void FancyTitleBarPrivate::createActions()
     m_closeAction = new QAction(m_closeIcon[Dark], tr("关闭"), this);
     m_closeAction->setShortcut(QKeySequence(QStringLiteral("Alt+F4")));
 
-    // A command is a click on its button, so restoring is deliberately the maximize button's
-    // matter.
+    // A command is a click on its button, so restoring clicks the maximize button.
     connect(m_maximizeAction, &QAction::triggered, m_maximizeButton, &FancyButton::clicked);
     connect(m_minimizeAction, &QAction::triggered, m_minimizeButton, &FancyButton::clicked);
     connect(m_restoreAction, &QAction::triggered, m_maximizeButton, &FancyButton::clicked);
@@ -202,7 +201,7 @@ void FancyTitleBarPrivate::windowStateChange(QObject *)
     const bool maximized = m_mainWidget->isMaximized();
     const bool maximizable = m_windowFlags.testFlag(Qt::WindowMaximizeButtonHint);
 
-    // The two branches deliberately differ in the order of tooltip and property.
+    // The branches differ in the order of tooltip and property, which receivers can see.
     if (maximized) {
         m_maximizeButton->setToolTip(tr("还原"));
         m_maximizeButton->setProperty(MaximizeProperty, QStringLiteral("restore"));
@@ -231,7 +230,7 @@ void FancyTitleBarPrivate::maximizeWidget(QWidget *widget)
     emit q->windowResizable(false);
 }
 
-// The buttons show pictures only: assistive tools know them by what their tooltips say.
+// The buttons show icons only: assistive tools know them by their tooltips.
 bool FancyTitleBarPrivate::eventFilter(QObject *watched, QEvent *event)
 {
     auto *button = qobject_cast<FancyButton *>(watched);
@@ -328,7 +327,7 @@ void FancyTitleBar::setMaximizeIcon(QIcon &icon)
         d->m_maximizeButton->setIcon(icon);
 }
 
-// Deliberately unlike the three setters above, which store nothing.
+// Unlike the three setters above it stores the icon, which the next state change shows.
 void FancyTitleBar::setNormalIcon(QIcon &icon)
 {
     if (!d || !d->m_mainWidget)
@@ -338,7 +337,7 @@ void FancyTitleBar::setNormalIcon(QIcon &icon)
         d->m_maximizeButton->setIcon(icon);
 }
 
-// Deliberately changes no icon: the private operation of the same name is the one that does.
+// Changes no icon: the private operation of the same name does.
 void FancyTitleBar::setIconDark(bool dark)
 {
     if (d)
@@ -382,7 +381,7 @@ bool FancyTitleBar::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (event->type() == QEvent::WindowStateChange) {
         d->windowStateChange(watched);
-        // Deliberately kept from the main widget's own handlers.
+        // Consumed: the main widget's own handlers don't see it.
         return true;
     }
     return QObject::eventFilter(watched, event);

@@ -20,9 +20,9 @@ class QWidget;
     The title bar consumes every QEvent::WindowStateChange of the main widget: that widget's own
     changeEvent() doesn't see it.
 
-    The pictures come from the resources close.svg, minimize.svg, maximize.svg and restore.svg under
-    ":/client/resources/". Each is stored twice, as light and as dark variant, of the same file; the
-    dark variants are in use from the start.
+    The icons come from the resources close.svg, minimize.svg, maximize.svg and restore.svg under
+    ":/client/resources/". Each is stored twice, as light and as dark variant, from the same file;
+    the dark variants are in use from the start.
 
     \section ownership Ownership
 

@@ -30,7 +30,7 @@ public:
 
     void maximize();
     void restore();
-    void minmize(); // spelt so deliberately: the name is part of the interface
+    void minmize(); // this spelling is part of the interface
 
     void windowStateChange(QObject *watched);
     void restoreWidget(QWidget *widget);
@@ -73,11 +73,11 @@ public:
     bool m_bDarkIcon = false;
     Qt::WindowFlags m_windowFlags;
 
-    // Hooks for moving and resizing by hand. So far only m_bWidgetResizable is read.
+    // Hooks for a window that moves and resizes itself. So far only m_bWidgetResizable is read.
     int m_currentScreen = 0;
     bool m_bLeftButtonPressed = false;
     bool m_bLeftButtonDbClicked = false;
-    bool m_bLeftButtonTitlePressed = true; // deliberately true from the start
+    bool m_bLeftButtonTitlePressed = true; // unlike its neighbours
     bool m_bCursorShapeChanged = false;
     bool m_bWidgetMaximizable = false;
     bool m_bWidgetResizable = false;

@@ -27,6 +27,9 @@ constexpr QRgb SelectedColor = qRgb(255, 255, 255);
 constexpr QRgb HoverColor = qRgb(246, 247, 249);
 constexpr QRgb PlainColor = qRgb(215, 215, 222);
 
+//! Marks a tab bar whose WA_Hover polish() has set.
+constexpr const char *HoverProperty = "multiProjectsHover";
+
 constexpr QRgb SelectedTextColor = qRgb(0, 106, 177);
 constexpr QRgb TextColor = qRgb(0, 0, 0);
 
@@ -41,13 +44,13 @@ int buttonWidth(const QSize &size)
     return size.isEmpty() ? 0 : size.width() + PartSpacing;
 }
 
-//! Opens what a tab bar keeps for its subclasses.
+//! Exposes the protected initStyleOption().
 struct TabBarOpener : QTabBar
 {
     using QTabBar::initStyleOption;
 };
 
-// What the tab bar promises its subclasses gives the same measures as its private tab list.
+// The protected initStyleOption() gives the same measures as the tab bar's private tab list.
 QStyleOptionTab tabOption(const QTabBar &tabBar, int index)
 {
     QStyleOptionTab option;
@@ -79,7 +82,7 @@ int MultiProjectsTabStyle::adjustItemSize() const
         const int text = textWidth(metrics, option.text);
         const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + PartSpacing;
         const int space = pixelMetric(PM_TabBarTabHSpace, &option, _tabBar);
-        // Asked and deliberately ignored: the height is fixed.
+        // Asked and ignored: the height is fixed.
         pixelMetric(PM_TabBarTabVSpace, &option, _tabBar);
         const int tab = icon + text + space + buttonWidth(option.leftButtonSize)
                         + buttonWidth(option.rightButtonSize);
@@ -89,29 +92,32 @@ int MultiProjectsTabStyle::adjustItemSize() const
         }
     }
 
-    const auto widthWithRoomFor = [&](int characters) {
+    const auto widthFor = [&](int characters) {
         const QString text(characters, QChar(WideCharacter));
         return textWidth(metrics, text) - widestText + widestTab;
     };
-    int width =
-            std::min(std::max(widestTab, MinimumTabWidth), widthWithRoomFor(MostWideCharacters));
+    int width = std::min(std::max(widestTab, MinimumTabWidth), widthFor(MostWideCharacters));
     if (const QWidget *parent = _tabBar->parentWidget())
         width = std::min(width, parent->width() / count);
-    return std::max(width, widthWithRoomFor(FewestWideCharacters));
+    return std::max(width, widthFor(FewestWideCharacters));
 }
 
 void MultiProjectsTabStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
     // Without it a tab bar never paints a tab as hovered, and not every base style sets it.
-    if (qobject_cast<QTabBar *>(widget))
+    if (qobject_cast<QTabBar *>(widget) && !widget->testAttribute(Qt::WA_Hover)) {
         widget->setAttribute(Qt::WA_Hover);
+        widget->setProperty(HoverProperty, true);
+    }
 }
 
 void MultiProjectsTabStyle::unpolish(QWidget *widget)
 {
-    if (qobject_cast<QTabBar *>(widget))
+    if (widget->property(HoverProperty).isValid()) {
         widget->setAttribute(Qt::WA_Hover, false);
+        widget->setProperty(HoverProperty, QVariant());
+    }
     QProxyStyle::unpolish(widget);
 }
 
@@ -172,7 +178,7 @@ void MultiProjectsTabStyle::drawTabLabel(ControlElement element, const QStyleOpt
     const QRect textRect = subElementRect(SE_TabBarTabText, option, widget);
     const QSize iconSize = tab->iconSize;
     const int gap = textRect.left() - tab->rect.left();
-    // Deliberately without the tab's top: the icon's height is an offset from 0.
+    // Without the tab's top: the icon's y is an offset from 0.
     const QPoint iconPosition(tab->rect.left() + (gap - iconSize.width()) / 2,
                               (tab->rect.height() - iconSize.height()) / 2);
     const QFont font;

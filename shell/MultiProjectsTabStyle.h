@@ -29,8 +29,8 @@ public:
         The common width of all tabs in pixels, or -1 when there is no tab.
 
         It is that of the widest tab and at least 80, but no more than an even share of the tab
-        bar's parent (if it has one) and than leaves room for thirty wide characters; and in any
-        case it leaves room for three.
+        bar's parent (if it has one) and than thirty wide characters of text need; and in any case
+        enough for three.
     */
     int adjustItemSize() const;
 

@@ -11,11 +11,11 @@
 
 /*
     Shows every state of the painted button and both rows of the bar in one window, for looking at.
-    With a file name as argument it saves a picture of the window there and ends.
+    With a file name as argument it saves a screenshot of the window there and ends.
 */
 
 namespace {
-enum class State { AtRest, Hovered, Pressed, PressedAndHovered, Disabled, DisabledAndHovered };
+enum class State { Idle, Hovered, Pressed, PressedAndHovered, Disabled, DisabledAndHovered };
 
 struct Column
 {
@@ -69,7 +69,7 @@ FancyButton *createButton(const Row &row, State state)
 QWidget *createStates()
 {
     const QVector<Column> columns {
-            {"at rest", State::AtRest},    {"hovered", State::Hovered},
+            {"idle", State::Idle},         {"hovered", State::Hovered},
             {"pressed", State::Pressed},   {"pressed over\nhovered", State::PressedAndHovered},
             {"disabled", State::Disabled}, {"disabled while\nhovered", State::DisabledAndHovered}};
     const QVector<Row> rows {{"icon, default colours", false, true, true, "", QColor()},
@@ -118,8 +118,9 @@ QWidget *createMenuRow(FancyBar *bar, QAction *action)
     FancyBarPrivate *data = BarData::of(*bar);
     data->createMenuWidget();
     auto *menuBar = new QMenuBar;
-    // Styles draw a line beneath a menu bar, which looks stray in a row with other things.
-    menuBar->setStyleSheet(QStringLiteral("QMenuBar{background:transparent;border:none;}"));
+    // Styles draw a line beneath a menu bar, and some text in a colour of their own.
+    menuBar->setStyleSheet(
+            QStringLiteral("QMenuBar{background:transparent;border:none;color:black;}"));
     menuBar->addAction(QStringLiteral("Menu row"));
     menuBar->addAction(QStringLiteral("Menu bar"));
     data->m_menuBarArea->addWidget(menuBar);
@@ -143,8 +144,10 @@ int main(int argc, char **argv)
     QAction withMenu(QStringLiteral("Opens"));
     withMenu.setMenu(&menu);
 
+    // The bar and the colours of the buttons are light, whatever the desktop's palette is.
     QWidget window(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowMinMaxButtonsHint
                                     | Qt::WindowCloseButtonHint);
+    window.setPalette(QPalette(PanelGrey, QColor(239, 239, 239)));
     auto *layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

@@ -34,9 +34,6 @@ private slots:
     void init();
     void cleanup();
 
-    void privatePartStartsWithItsDefaults();
-    void privatePartDeclaresItsFieldsInOrder();
-    void declaresSignalsSlotsAndEnums();
     void registersItsWindow();
     void relaysTheTitleBarsSignals();
     void buildsTheTitleRow();
@@ -59,7 +56,6 @@ private slots:
     void menuBarBringsTheMenuRow_data();
     void menuBarBringsTheMenuRow();
     void hooksDoNothing();
-    void toleratesAMissingPrivatePart();
 
 private:
     FancyBarPrivate &data() const { return *BarData::of(*bar); }
@@ -88,73 +84,6 @@ void tst_FancyBar::init()
 void tst_FancyBar::cleanup()
 {
     window.reset();
-}
-
-void tst_FancyBar::privatePartStartsWithItsDefaults()
-{
-    const FancyBarPrivate d;
-
-    QVERIFY(!d.q && !d.m_logoLayout && !d.m_titleWidget && !d.m_titleBar && !d.m_logoButton);
-    QVERIFY(!d.m_leftSpacerItem && !d.m_rightSpacerItem && !d.m_titleAdditionalControlArea);
-    QVERIFY(!d.m_systemGroup && !d.m_menuWidget && !d.m_appButtonLayout && !d.m_menuBar);
-    QVERIFY(!d.m_menuAdditionalControlArea && !d.m_menuBarArea && !d.m_middleSpacerItem);
-    QVERIFY(d.m_additionalButtons.isEmpty());
-    QVERIFY(!d.m_menuButton);
-    QCOMPARE(d.m_style, FancyBar::WindowStyle);
-    QCOMPARE(d.m_menuTextColor, QColor(250, 250, 250, 255));
-    QCOMPARE(d.m_menuHoverColor, QColor(255, 255, 255, 50));
-    QCOMPARE(d.m_menuPressColor, QColor(255, 255, 255, 50));
-    QCOMPARE(d.m_titleBarHeight, 32);
-    QCOMPARE(d.m_bQuickAccessVisible, false);
-    QCOMPARE(d.m_bMenuBarVisible, false);
-    QCOMPARE(d.m_bMenuWidgetVisible, false);
-}
-
-void tst_FancyBar::privatePartDeclaresItsFieldsInOrder()
-{
-    const FancyBarPrivate d;
-
-    QVERIFY(isDeclarationOrder({&d.q,
-                                &d.m_logoLayout,
-                                &d.m_titleWidget,
-                                &d.m_titleBar,
-                                &d.m_logoButton,
-                                &d.m_leftSpacerItem,
-                                &d.m_rightSpacerItem,
-                                &d.m_titleAdditionalControlArea,
-                                &d.m_systemGroup,
-                                &d.m_menuWidget,
-                                &d.m_appButtonLayout,
-                                &d.m_menuBar,
-                                &d.m_menuAdditionalControlArea,
-                                &d.m_menuBarArea,
-                                &d.m_middleSpacerItem,
-                                &d.m_additionalButtons,
-                                &d.m_menuButton,
-                                &d.m_style,
-                                &d.m_menuTextColor,
-                                &d.m_menuHoverColor,
-                                &d.m_menuPressColor,
-                                &d.m_titleBarHeight,
-                                &d.m_bQuickAccessVisible,
-                                &d.m_bMenuBarVisible,
-                                &d.m_bMenuWidgetVisible}));
-}
-
-void tst_FancyBar::declaresSignalsSlotsAndEnums()
-{
-    QCOMPARE(ownMethods(FancyBar::staticMetaObject, QMetaMethod::Signal),
-             QStringList({"maximizationChanged(bool)"}));
-    QCOMPARE(ownMethods(FancyBar::staticMetaObject, QMetaMethod::Slot), QStringList());
-    QCOMPARE(ownMethods(FancyBarPrivate::staticMetaObject, QMetaMethod::Slot),
-             QStringList({"aboutToShowMenu()", "aboutToHideMenu()", "menuTriggered(QMouseEvent*)",
-                          "slotWindowIconChange(QIcon&)"}));
-    QCOMPARE(int(FancyBar::TitlePosition), 0);
-    QCOMPARE(int(FancyBar::MenuPosition), 1);
-    QCOMPARE(int(FancyBar::WindowStyle), 0);
-    QCOMPARE(int(FancyBar::ClassicStyle), 1);
-    QCOMPARE(int(FancyBar::MergedStyle), 2);
-    QCOMPARE(int(FancyBar::DialogStyle), 3);
 }
 
 void tst_FancyBar::registersItsWindow()
@@ -547,28 +476,6 @@ void tst_FancyBar::hooksDoNothing()
     d.aboutToHideMenu();
 
     QCOMPARE(d.m_style, FancyBar::WindowStyle);
-}
-
-void tst_FancyBar::toleratesAMissingPrivatePart()
-{
-    QWidget control;
-    QAction action(nullptr);
-    FancyBarPrivate *kept = std::exchange(BarData::of(*bar), nullptr);
-
-    QVERIFY(!bar->titleBar());
-    bar->setTextColor(Qt::red);
-    bar->setBackgroundColor(Qt::green);
-    bar->addAdditionalControl(&control, FancyBar::TitlePosition, 0);
-    QVERIFY(!bar->addAdditionalControl(&action, FancyBar::TitlePosition, 0));
-    bar->setWidgetResizable(true);
-    bar->setTitleBarHeight(40);
-    bar->updateWidgetFlags();
-
-    QCOMPARE(bar->sizeHint(), QSize(-1, -1));
-    QCOMPARE(fixedHeight(bar), -1);
-    QVERIFY(!control.parent());
-    QCOMPARE(kept->m_menuTextColor, QColor(250, 250, 250));
-    BarData::of(*bar) = kept;
 }
 
 QTEST_MAIN(tst_FancyBar)

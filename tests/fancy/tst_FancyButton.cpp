@@ -1,9 +1,12 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/PaintCounter.h"
 
 #include <QAction>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <functional>
 
 using ColorSetter = void (FancyButton::*)(const QColor &);
 using ColorGetter = QColor (FancyButton::*)() const;
@@ -25,25 +28,11 @@ const QString NoBorderColor =
 const QColor SomeColor(1, 2, 3, 4);
 } // namespace
 
-class Button : public FancyButton
-{
-public:
-    using FancyButton::enterEvent;
-    using FancyButton::FancyButton;
-    using FancyButton::leaveEvent;
-    using FancyButton::mouseDoubleClickEvent;
-    using FancyButton::mousePressEvent;
-    using FancyButton::mouseReleaseEvent;
-};
-
 class tst_FancyButton : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void privatePartStartsWithItsDefaults();
-    void privatePartDeclaresItsFieldsInOrder();
-    void declaresItsSignalsInOrder();
     void startsAsAFlatIconButton();
     void storesColors_data();
     void storesColors();
@@ -52,11 +41,9 @@ private slots:
     void setColorSetsTheSheetAndStoresNothing();
     void setHasBorderAppliesTheTextColor();
     void setHasBorderAndSelectRepaint();
-    void comingUpRepaintsAlsoWhenDisabled();
+    void releaseRepaints();
     void selectChangesPressAndHover();
     void storesMenuAndRoundness();
-    void toleratesAMissingPrivatePart();
-    void toleratesMissingEvents();
 
 private:
     static void showUnseen(FancyButton &button);
@@ -74,51 +61,11 @@ void tst_FancyButton::showUnseen(FancyButton &button)
 // The number of paint events that a shown button gets for a change.
 int tst_FancyButton::paintsAfter(FancyButton &button, const std::function<void()> &change)
 {
-    struct Counter : QObject
-    {
-        int paints = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            paints += event->type() == QEvent::Paint;
-            return false;
-        }
-    } counter;
+    PaintCounter counter;
     button.installEventFilter(&counter);
     change();
     QCoreApplication::sendPostedEvents();
     return counter.paints;
-}
-
-void tst_FancyButton::privatePartStartsWithItsDefaults()
-{
-    const FancyButtonPrivate data;
-
-    QCOMPARE(data.q, nullptr);
-    QCOMPARE(data.m_hoverColor, QColor(255, 255, 255, 50));
-    QCOMPARE(data.m_pressColor, QColor(0, 0, 0, 50));
-    QCOMPARE(data.m_textColor, QColor(255, 255, 255, 255));
-    QVERIFY(!data.m_normalColor.isValid());
-    QCOMPARE(data.m_bMouseHover, false);
-    QCOMPARE(data.m_bMousePress, false);
-    QCOMPARE(data.m_hasBorder, true);
-    QCOMPARE(data.m_bRound, false);
-    QCOMPARE(data.m_hasMenu, false);
-}
-
-void tst_FancyButton::privatePartDeclaresItsFieldsInOrder()
-{
-    const FancyButtonPrivate d;
-
-    QVERIFY(isDeclarationOrder({&d.q, &d.m_hoverColor, &d.m_pressColor, &d.m_textColor,
-                                &d.m_normalColor, &d.m_bMouseHover, &d.m_bMousePress,
-                                &d.m_hasBorder, &d.m_bRound, &d.m_hasMenu}));
-}
-
-void tst_FancyButton::declaresItsSignalsInOrder()
-{
-    QCOMPARE(ownMethods(FancyButton::staticMetaObject, QMetaMethod::Signal),
-             QStringList({"menuTriggered(QMouseEvent*)", "doubleClicked()"}));
-    QCOMPARE(ownMethods(FancyButton::staticMetaObject, QMetaMethod::Slot), QStringList());
 }
 
 void tst_FancyButton::startsAsAFlatIconButton()
@@ -217,17 +164,13 @@ void tst_FancyButton::setHasBorderAndSelectRepaint()
     QVERIFY(paintsAfter(button, [&] { button.select(false); }) > 0);
 }
 
-void tst_FancyButton::comingUpRepaintsAlsoWhenDisabled()
+void tst_FancyButton::releaseRepaints()
 {
     FancyButton button(nullptr);
     showUnseen(button);
-    for (const bool isEnabled : {true, false}) {
-        button.setEnabled(isEnabled);
-        QCoreApplication::sendPostedEvents();
-        QMouseEvent release(QEvent::MouseButtonRelease, QPointF(-1, -1), Qt::LeftButton,
-                            Qt::NoButton, Qt::NoModifier);
-        QVERIFY(paintsAfter(button, [&] { QCoreApplication::sendEvent(&button, &release); }) > 0);
-    }
+    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(-1, -1), Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QVERIFY(paintsAfter(button, [&] { QCoreApplication::sendEvent(&button, &release); }) > 0);
 }
 
 void tst_FancyButton::selectChangesPressAndHover()
@@ -259,57 +202,6 @@ void tst_FancyButton::storesMenuAndRoundness()
     QCOMPARE(ButtonData::of(button)->m_bRound, true);
     button.setRound(false);
     QCOMPARE(ButtonData::of(button)->m_bRound, false);
-}
-
-void tst_FancyButton::toleratesAMissingPrivatePart()
-{
-    Button button(nullptr);
-    const QScopedPointer<FancyButtonPrivate> kept(std::exchange(ButtonData::of(button), nullptr));
-    const QSignalSpy clicks(&button, &FancyButton::clicked);
-    const QSignalSpy doubleClicks(&button, &FancyButton::doubleClicked);
-
-    for (const ColorSetter set :
-         {&FancyButton::setHoverColor, &FancyButton::setPressColor, &FancyButton::setTextColor,
-          &FancyButton::setNormalColor, &FancyButton::setColor})
-        (button.*set)(Qt::red);
-    for (const ColorGetter get : {&FancyButton::hoverColor, &FancyButton::pressColor,
-                                  &FancyButton::textColor, &FancyButton::normalColor})
-        QVERIFY(!(button.*get)().isValid());
-    button.select(true);
-    button.setHasMenu(true);
-    button.setHasBorder(false);
-    button.setRound(true);
-    QTest::mouseClick(&button, Qt::LeftButton);
-    QTest::mouseDClick(&button, Qt::LeftButton);
-    QEvent enter(QEvent::Enter);
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(&button, &enter);
-    QCoreApplication::sendEvent(&button, &leave);
-    QVERIFY(!button.grab().isNull());
-
-    QVERIFY(!button.hasMenu());
-    QCOMPARE(button.styleSheet(), BorderWhite);
-    QCOMPARE(clicks.count(), 0);
-    QCOMPARE(doubleClicks.count(), 0);
-}
-
-void tst_FancyButton::toleratesMissingEvents()
-{
-    Button button(nullptr);
-    const QSignalSpy clicks(&button, &FancyButton::clicked);
-    const QSignalSpy doubleClicks(&button, &FancyButton::doubleClicked);
-
-    button.mousePressEvent(nullptr);
-    button.mouseReleaseEvent(nullptr);
-    button.mouseDoubleClickEvent(nullptr);
-    button.enterEvent(nullptr);
-    QCOMPARE(ButtonData::of(button)->m_bMouseHover, true);
-    button.leaveEvent(nullptr);
-    QCOMPARE(ButtonData::of(button)->m_bMouseHover, false);
-
-    QCOMPARE(ButtonData::of(button)->m_bMousePress, false);
-    QCOMPARE(clicks.count(), 0);
-    QCOMPARE(doubleClicks.count(), 0);
 }
 
 QTEST_MAIN(tst_FancyButton)

@@ -4,7 +4,6 @@
 #include <QMenu>
 #include <QPainter>
 #include <QProxyStyle>
-#include <QStyleFactory>
 #include <QStyleOptionToolButton>
 #include <QTest>
 
@@ -16,11 +15,25 @@
 namespace {
 constexpr QRgb Backdrop = qRgb(100, 100, 100);
 constexpr QSize ButtonSize(48, 32);
+constexpr QSize WindowSize(80, 60);
 const QColor Hover(10, 200, 30);
 const QColor Press(200, 10, 30);
 const QColor Normal(10, 30, 200);
 
-enum State { AtRest, Hovered, Pressed, PressedAndHovered };
+//! The smallest rectangle that holds every pixel of \a color.
+QRect boundsOf(const QImage &image, QRgb color)
+{
+    QRect bounds;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) == color)
+                bounds |= QRect(x, y, 1, 1);
+        }
+    }
+    return bounds;
+}
+
+enum State { Idle, Hovered, Pressed, PressedAndHovered };
 } // namespace
 Q_DECLARE_METATYPE(State)
 
@@ -91,20 +104,26 @@ private slots:
     void showsNoMenuArrow_data();
     void showsNoMenuArrow();
     void paintingLeavesTheIconAlone();
+    void keyboardFocusIsARing_data();
     void keyboardFocusIsARing();
 
 private:
     static QImage backdrop(const QSize &size = ButtonSize);
-    static QImage imageOf(QWidget &widget);
+    static QImage imageOf(QWidget &widget, QWidget::RenderFlags flags = {});
+    QImage imageAt(const QPoint &place);
     static QPixmap checkered(const QSize &size);
     void setState(State state);
 
-    QScopedPointer<FancyButton> button;
+    QScopedPointer<QWidget> window;
+    FancyButton *button = nullptr;
 };
 
 void tst_FancyButtonPaint::init()
 {
-    button.reset(new FancyButton(nullptr));
+    QApplication::setStyle(QStringLiteral("fusion"));
+    window.reset(new QWidget);
+    window->setFixedSize(WindowSize);
+    button = new FancyButton(window.data());
     button->setFixedSize(ButtonSize);
     button->setHasBorder(false);
 }
@@ -123,10 +142,20 @@ QImage tst_FancyButtonPaint::backdrop(const QSize &size)
     return image;
 }
 
-QImage tst_FancyButtonPaint::imageOf(QWidget &widget)
+QImage tst_FancyButtonPaint::imageOf(QWidget &widget, QWidget::RenderFlags flags)
 {
     QImage image = backdrop(widget.size());
-    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    widget.render(&image, QPoint(), QRegion(), flags);
+    return image;
+}
+
+// The button in a window, at a place that may lie between the pixels of the screen. Ratio 1, so
+// that comparisons are in these pixels.
+QImage tst_FancyButtonPaint::imageAt(const QPoint &place)
+{
+    button->move(place);
+    QImage image = imageOf(*window, QWidget::DrawChildren);
+    image.setDevicePixelRatio(1);
     return image;
 }
 
@@ -153,32 +182,34 @@ void tst_FancyButtonPaint::fillsTheWholeButton_data()
 {
     QTest::addColumn<State>("state");
     QTest::addColumn<bool>("enabled");
-    QTest::addColumn<QColor>("normal");
+    QTest::addColumn<bool>("colored");
     QTest::addColumn<QColor>("expected");
 
-    QTest::newRow("at rest") << AtRest << true << Normal << Normal;
-    QTest::newRow("hovered") << Hovered << true << Normal << Hover;
-    QTest::newRow("pressed") << Pressed << true << Normal << Press;
-    QTest::newRow("pressed over hovered") << PressedAndHovered << true << Normal << Press;
-    QTest::newRow("at rest, no colour") << AtRest << true << QColor() << QColor(Backdrop);
-    QTest::newRow("hovered, no colour") << Hovered << true << QColor() << Hover;
-    QTest::newRow("pressed, no colour") << Pressed << true << QColor() << Press;
-    QTest::newRow("disabled") << AtRest << false << Normal << Normal;
-    QTest::newRow("disabled, hovered") << Hovered << false << Normal << Normal;
-    QTest::newRow("disabled, hovered, no colour")
-            << Hovered << false << QColor() << QColor(Backdrop);
-    QTest::newRow("disabled, selected") << PressedAndHovered << false << Normal << Press;
+    // An invalid colour's brush is solid and black; only the normal colour is asked for validity.
+    const QColor black(Qt::black);
+    const QColor none(Backdrop);
+    QTest::newRow("idle") << Idle << true << true << Normal;
+    QTest::newRow("hovered") << Hovered << true << true << Hover;
+    QTest::newRow("pressed") << Pressed << true << true << Press;
+    QTest::newRow("pressed over hovered") << PressedAndHovered << true << true << Press;
+    QTest::newRow("idle, invalid") << Idle << true << false << none;
+    QTest::newRow("hovered, invalid") << Hovered << true << false << black;
+    QTest::newRow("pressed, invalid") << Pressed << true << false << black;
+    QTest::newRow("disabled") << Idle << false << true << Normal;
+    QTest::newRow("disabled, hovered") << Hovered << false << true << Normal;
+    QTest::newRow("disabled, hovered, invalid") << Hovered << false << false << none;
+    QTest::newRow("disabled, selected") << PressedAndHovered << false << true << Press;
 }
 
 void tst_FancyButtonPaint::fillsTheWholeButton()
 {
     QFETCH(State, state);
     QFETCH(bool, enabled);
-    QFETCH(QColor, normal);
+    QFETCH(bool, colored);
     QFETCH(QColor, expected);
-    button->setHoverColor(Hover);
-    button->setPressColor(Press);
-    button->setNormalColor(normal);
+    button->setHoverColor(colored ? Hover : QColor());
+    button->setPressColor(colored ? Press : QColor());
+    button->setNormalColor(colored ? Normal : QColor());
     button->setEnabled(enabled);
     setState(state);
 
@@ -194,7 +225,7 @@ void tst_FancyButtonPaint::freshButtonIsTranslucent_data()
     QTest::addColumn<QRgb>("expected");
 
     // 100 + (255 - 100) * 50 / 255 and 100 - 100 * 50 / 255.
-    QTest::newRow("at rest") << AtRest << Backdrop;
+    QTest::newRow("idle") << Idle << Backdrop;
     QTest::newRow("hovered") << Hovered << qRgb(130, 130, 130);
     QTest::newRow("pressed") << Pressed << qRgb(80, 80, 80);
 }
@@ -203,8 +234,7 @@ void tst_FancyButtonPaint::freshButtonIsTranslucent()
 {
     QFETCH(State, state);
     QFETCH(QRgb, expected);
-    button.reset(new FancyButton(nullptr));
-    button->setFixedSize(ButtonSize);
+    button->setHasBorder(true);
     setState(state);
 
     QImage filled = backdrop();
@@ -251,19 +281,22 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp_data()
     QTest::addColumn<QSize>("buttonSize");
     QTest::addColumn<QSize>("iconSize");
     QTest::addColumn<QPoint>("corner");
+    QTest::addColumn<QPoint>("place");
     QTest::addColumn<bool>("highDpiPixmaps");
 
-    // Corners that lie on whole pixels at 1.5 as well.
     for (const bool on : {false, true}) {
-        const char *attribute = on ? "with" : "without";
-        QTest::addRow("square, %s", attribute)
-                << QSize(48, 32) << QSize(16, 16) << QPoint(16, 8) << on;
-        QTest::addRow("oblong, %s", attribute)
-                << QSize(48, 32) << QSize(24, 8) << QPoint(12, 12) << on;
-        QTest::addRow("rounded down, %s", attribute)
-                << QSize(49, 33) << QSize(16, 16) << QPoint(16, 8) << on;
-        QTest::addRow("as large as the button, %s", attribute)
-                << QSize(48, 32) << QSize(48, 32) << QPoint(0, 0) << on;
+        for (const QPoint &place : {QPoint(0, 0), QPoint(7, 5), QPoint(10, 9)}) {
+            const auto row = [=](const char *name, const QSize &button, const QSize &icon,
+                                 const QPoint &corner) {
+                QTest::addRow("%s at %d, %d, %s", name, place.x(), place.y(),
+                              on ? "with" : "without")
+                        << button << icon << corner << place << on;
+            };
+            row("square", {48, 32}, {16, 16}, {16, 8});
+            row("oblong", {48, 32}, {25, 9}, {11, 11});
+            row("rounded down", {49, 33}, {16, 16}, {16, 8});
+            row("as large as the button", {48, 32}, {48, 32}, {0, 0});
+        }
     }
 }
 
@@ -272,6 +305,7 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp()
     QFETCH(QSize, buttonSize);
     QFETCH(QSize, iconSize);
     QFETCH(QPoint, corner);
+    QFETCH(QPoint, place);
     QFETCH(bool, highDpiPixmaps);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, highDpiPixmaps);
     const qreal ratio = qApp->devicePixelRatio();
@@ -282,18 +316,17 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp()
     button->setIconSize(iconSize);
     button->setIcon(icon);
 
-    QImage expected = backdrop(buttonSize);
+    QImage expected = backdrop(WindowSize);
     expected.setDevicePixelRatio(1);
     QPainter painter(&expected);
-    painter.drawPixmap(QPointF(corner) * ratio, exact);
+    painter.drawPixmap((QPointF(place + corner) * ratio).toPoint(), exact);
     painter.end();
-    expected.setDevicePixelRatio(ratio);
 
     QCOMPARE(button->devicePixelRatioF(), ratio);
     QCOMPARE(ratio, qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
                             ? qgetenv("QT_SCALE_FACTOR").toDouble()
                             : 1.0);
-    QCOMPARE(imageOf(*button), expected);
+    QCOMPARE(imageAt(place), expected);
     QCOMPARE(QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps), highDpiPixmaps);
 }
 
@@ -451,7 +484,7 @@ void tst_FancyButtonPaint::textLooksAsTheBasePaintsIt()
     QFETCH(Qt::ToolButtonStyle, toolButtonStyle);
     QFETCH(Qt::ArrowType, arrow);
     QFETCH(bool, checked);
-    QApplication::setStyle(QStyleFactory::create(style));
+    QApplication::setStyle(style);
     button->setHasBorder(border);
     button->setToolButtonStyle(toolButtonStyle);
     PrescribedButton prescribed(*button);
@@ -459,7 +492,7 @@ void tst_FancyButtonPaint::textLooksAsTheBasePaintsIt()
     QPixmap transparent(16, 16);
     transparent.fill(Qt::transparent);
     for (QToolButton *each :
-         {static_cast<QToolButton *>(button.data()), static_cast<QToolButton *>(&prescribed)}) {
+         {static_cast<QToolButton *>(button), static_cast<QToolButton *>(&prescribed)}) {
         each->setFixedSize(ButtonSize);
         each->setText(text);
         each->setArrowType(arrow);
@@ -515,7 +548,7 @@ void tst_FancyButtonPaint::showsNoMenuArrow()
     QFETCH(QString, style);
     QFETCH(bool, border);
     QFETCH(QToolButton::ToolButtonPopupMode, mode);
-    QApplication::setStyle(QStyleFactory::create(style));
+    QApplication::setStyle(style);
     QMenu menu;
     QAction action(QStringLiteral("Text"));
     button->setHasBorder(border);
@@ -539,30 +572,51 @@ void tst_FancyButtonPaint::paintingLeavesTheIconAlone()
     QCOMPARE(button->icon().cacheKey(), icon.cacheKey());
 }
 
+void tst_FancyButtonPaint::keyboardFocusIsARing_data()
+{
+    QTest::addColumn<QPoint>("place");
+
+    for (const QPoint &place : {QPoint(0, 0), QPoint(7, 5), QPoint(10, 9), QPoint(13, 18)})
+        QTest::addRow("%d, %d", place.x(), place.y()) << place;
+}
+
 void tst_FancyButtonPaint::keyboardFocusIsARing()
 {
+    QFETCH(QPoint, place);
     // The pointer may be anywhere.
-    button->setHoverColor(QColor());
+    button->setHoverColor(Qt::transparent);
     button->setFocusPolicy(Qt::StrongFocus);
-    button->show();
-    button->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(button.data()));
+    window->show();
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.data()));
     button->setFocus();
     QTRY_VERIFY(button->hasFocus());
-    button->setAttribute(Qt::WA_KeyboardFocusChange, false);
-    QCOMPARE(imageOf(*button), backdrop());
+    window->setAttribute(Qt::WA_KeyboardFocusChange, false);
+    QCOMPARE(boundsOf(imageAt(place), qRgb(0, 0, 0)), QRect());
 
-    button->setAttribute(Qt::WA_KeyboardFocusChange);
-    QImage expected = backdrop();
+    window->setAttribute(Qt::WA_KeyboardFocusChange);
+    const QImage image = imageAt(place);
+    const QRect ring = boundsOf(image, qRgb(0, 0, 0));
+    // Three pixels inside the button, to the rounding of its place and of its size.
+    const qreal ratio = qApp->devicePixelRatio();
+    const QRectF ideal(QPointF(place + QPoint(3, 3)) * ratio,
+                       QSizeF(ButtonSize - QSize(6, 6)) * ratio);
+    QVERIFY(qAbs(ring.left() - ideal.left()) <= 1 && qAbs(ring.top() - ideal.top()) <= 1);
+    QVERIFY(qAbs(ring.right() + 1 - ideal.right()) <= 1);
+    QVERIFY(qAbs(ring.bottom() + 1 - ideal.bottom()) <= 1);
+    const QMap<qreal, int> widths {{1, 2}, {1.25, 3}, {1.5, 3}, {1.75, 4}, {2, 4}, {3, 6}};
+    QVERIFY(widths.contains(ratio));
+    const int width = widths.value(ratio);
+    QImage expected = backdrop(WindowSize);
+    expected.setDevicePixelRatio(1);
     QPainter painter(&expected);
-    const QRect outer(3, 3, ButtonSize.width() - 6, ButtonSize.height() - 6);
-    painter.setClipRegion(QRegion(outer) - outer.adjusted(2, 2, -2, -2));
-    painter.fillRect(outer, Qt::black);
+    painter.fillRect(ring, Qt::black);
+    painter.fillRect(ring.adjusted(width, width, -width, -width), QColor(Backdrop));
     painter.end();
-    QCOMPARE(imageOf(*button), expected);
+    QCOMPARE(image, expected);
 
     button->clearFocus();
-    QCOMPARE(imageOf(*button), backdrop());
+    QCOMPARE(boundsOf(imageAt(place), qRgb(0, 0, 0)), QRect());
 }
 
 QTEST_MAIN(tst_FancyButtonPaint)

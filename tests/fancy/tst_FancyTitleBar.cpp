@@ -24,14 +24,14 @@ Q_DECLARE_METATYPE(FlagField)
 namespace {
 const QColor CommandColor(215, 226, 243);
 
-QImage picture(const QIcon &icon)
+QImage imageOf(const QIcon &icon)
 {
     return icon.pixmap(16, 16).toImage();
 }
 
-QImage pictureOf(const QString &name)
+QImage resourceImage(const QString &name)
 {
-    return picture(QIcon(QStringLiteral(":/client/resources/%1.svg").arg(name)));
+    return imageOf(QIcon(QStringLiteral(":/client/resources/%1.svg").arg(name)));
 }
 
 QIcon filled(Qt::GlobalColor color)
@@ -50,11 +50,8 @@ private slots:
     void init();
     void cleanup();
 
-    void privatePartStartsWithItsDefaults();
     void privatePartLoadsBothVariantsOfItsIcons_data();
     void privatePartLoadsBothVariantsOfItsIcons();
-    void privatePartDeclaresItsFieldsInOrder();
-    void declaresSignalsAndSlotsInOrder();
     void installsItselfOnItsWindow();
     void buildsItsButtons_data();
     void buildsItsButtons();
@@ -62,7 +59,6 @@ private slots:
     void buildsItsMenu();
     void looksItsTextsUpInThePrivateContext();
     void isInertWithoutAWindow();
-    void toleratesAMissingPrivatePart();
     void storesTheTitleWidget();
     void iconSettersSetTheButtonOnly_data();
     void iconSettersSetTheButtonOnly();
@@ -95,27 +91,6 @@ void tst_FancyTitleBar::cleanup()
     window.reset();
 }
 
-void tst_FancyTitleBar::privatePartStartsWithItsDefaults()
-{
-    const FancyTitleBarPrivate d;
-
-    QVERIFY(!d.q && !d.m_mainWidget && !d.m_titleWidget && !d.m_systemGroup);
-    QVERIFY(!d.m_maximizeButton && !d.m_minimizeButton && !d.m_closeButton && !d.m_menu);
-    QVERIFY(!d.m_maximizeAction && !d.m_minimizeAction && !d.m_restoreAction && !d.m_closeAction);
-    QCOMPARE(d.m_bDarkIcon, false);
-    QCOMPARE(d.m_windowFlags, Qt::WindowFlags());
-    QCOMPARE(d.m_currentScreen, 0);
-    QCOMPARE(d.m_bLeftButtonPressed, false);
-    QCOMPARE(d.m_bLeftButtonDbClicked, false);
-    QCOMPARE(d.m_bLeftButtonTitlePressed, true);
-    QCOMPARE(d.m_bCursorShapeChanged, false);
-    QCOMPARE(d.m_bWidgetMaximizable, false);
-    QCOMPARE(d.m_bWidgetResizable, false);
-    QCOMPARE(d.m_bWidgetMovable, true);
-    QCOMPARE(d.m_movePoint, QPoint(0, 0));
-    QVERIFY(!d._eventContinous);
-}
-
 void tst_FancyTitleBar::privatePartLoadsBothVariantsOfItsIcons_data()
 {
     QTest::addColumn<IconField>("icons");
@@ -133,60 +108,11 @@ void tst_FancyTitleBar::privatePartLoadsBothVariantsOfItsIcons()
     QFETCH(QString, resource);
     const FancyTitleBarPrivate d;
     QVERIFY(QFile::exists(QStringLiteral(":/client/resources/%1.svg").arg(resource)));
-    QVERIFY(!pictureOf(resource).isNull());
+    QVERIFY(!resourceImage(resource).isNull());
 
-    QCOMPARE(picture((d.*icons)[0]), pictureOf(resource));
-    QCOMPARE(picture((d.*icons)[1]), pictureOf(resource));
+    QCOMPARE(imageOf((d.*icons)[0]), resourceImage(resource));
+    QCOMPARE(imageOf((d.*icons)[1]), resourceImage(resource));
     QVERIFY((d.*icons)[0].cacheKey() != (d.*icons)[1].cacheKey());
-}
-
-void tst_FancyTitleBar::privatePartDeclaresItsFieldsInOrder()
-{
-    const FancyTitleBarPrivate d;
-
-    QVERIFY(isDeclarationOrder({&d.q,
-                                &d.m_mainWidget,
-                                &d.m_titleWidget,
-                                &d.m_systemGroup,
-                                &d.m_maximizeButton,
-                                &d.m_minimizeButton,
-                                &d.m_closeButton,
-                                &d.m_menu,
-                                &d.m_maximizeAction,
-                                &d.m_minimizeAction,
-                                &d.m_restoreAction,
-                                &d.m_closeAction,
-                                &d.m_closeIcon,
-                                &d.m_minimizeIcon,
-                                &d.m_maximizeIcon,
-                                &d.m_normalIcon,
-                                &d.m_bDarkIcon,
-                                &d.m_windowFlags,
-                                &d.m_currentScreen,
-                                &d.m_bLeftButtonPressed,
-                                &d.m_bLeftButtonDbClicked,
-                                &d.m_bLeftButtonTitlePressed,
-                                &d.m_bCursorShapeChanged,
-                                &d.m_bWidgetMaximizable,
-                                &d.m_bWidgetResizable,
-                                &d.m_bWidgetMovable,
-                                &d.m_movePoint,
-                                &d._eventContinous}));
-}
-
-void tst_FancyTitleBar::declaresSignalsAndSlotsInOrder()
-{
-    QCOMPARE(ownMethods(FancyTitleBar::staticMetaObject, QMetaMethod::Signal),
-             QStringList({"windowResizable(bool)", "windowMovable(bool)",
-                          "windowIconChanged(QIcon&)", "closeClicked()", "moveContinousOver()"}));
-    QCOMPARE(ownMethods(FancyTitleBar::staticMetaObject, QMetaMethod::Slot), QStringList());
-    QCOMPARE(ownMethods(FancyTitleBarPrivate::staticMetaObject, QMetaMethod::Slot),
-             QStringList({"slotSysButtonClicked()", "systemMenuTriggered(QMouseEvent*)"}));
-    QCOMPARE(ownMethods(FancyTitleBarPrivate::staticMetaObject, QMetaMethod::Signal),
-             QStringList());
-    QCOMPARE(FancyTitleBar::staticMetaObject.method(FancyTitleBar::staticMetaObject.methodOffset())
-                     .parameterNames(),
-             QList<QByteArray>({"resizable"}));
 }
 
 void tst_FancyTitleBar::installsItselfOnItsWindow()
@@ -231,7 +157,7 @@ void tst_FancyTitleBar::buildsItsButtons()
     QFETCH(bool, hidden);
     const FancyButton *button = data().*field;
 
-    QCOMPARE(picture(button->icon()), pictureOf(icon));
+    QCOMPARE(imageOf(button->icon()), resourceImage(icon));
     QCOMPARE(button->toolTip(), toolTip);
     QCOMPARE(button->text(), QString());
     QCOMPARE(button->hoverColor(), color);
@@ -292,10 +218,10 @@ void tst_FancyTitleBar::buildsItsMenu()
         QCOMPARE(action->parent(), &d);
     }
     QCOMPARE(texts, QStringList({"还原", "最小化", "最大化", "关闭"}));
-    QCOMPARE(picture(d.m_restoreAction->icon()), pictureOf("restore"));
-    QCOMPARE(picture(d.m_minimizeAction->icon()), pictureOf("minimize"));
-    QCOMPARE(picture(d.m_maximizeAction->icon()), pictureOf("maximize"));
-    QCOMPARE(picture(d.m_closeAction->icon()), pictureOf("close"));
+    QCOMPARE(imageOf(d.m_restoreAction->icon()), resourceImage("restore"));
+    QCOMPARE(imageOf(d.m_minimizeAction->icon()), resourceImage("minimize"));
+    QCOMPARE(imageOf(d.m_maximizeAction->icon()), resourceImage("maximize"));
+    QCOMPARE(imageOf(d.m_closeAction->icon()), resourceImage("close"));
     QCOMPARE(d.m_closeAction->shortcut(), QKeySequence("Alt+F4"));
     QVERIFY(d.m_restoreAction->shortcut().isEmpty());
 }
@@ -350,30 +276,8 @@ void tst_FancyTitleBar::isInertWithoutAWindow()
     QVERIFY(!d.m_closeButton);
     QVERIFY(!d.m_menu);
     QVERIFY(!d.m_bDarkIcon);
-    QCOMPARE(picture(d.m_normalIcon[0]), pictureOf("restore"));
+    QCOMPARE(imageOf(d.m_normalIcon[0]), resourceImage("restore"));
     QVERIFY(!window->isVisible());
-}
-
-void tst_FancyTitleBar::toleratesAMissingPrivatePart()
-{
-    const QScopedPointer<FancyTitleBarPrivate> kept(std::exchange(TitleBarData::of(*bar), nullptr));
-    QIcon icon = filled(Qt::red);
-
-    bar->setTitleWidget(window.data());
-    for (const IconSetter set : {&FancyTitleBar::setCloseIcon, &FancyTitleBar::setMinimizeIcon,
-                                 &FancyTitleBar::setMaximizeIcon, &FancyTitleBar::setNormalIcon})
-        (bar->*set)(icon);
-    for (const FlagSetter set :
-         {&FancyTitleBar::setIconDark, &FancyTitleBar::setWidgetResizable,
-          &FancyTitleBar::setWidgetMovable, &FancyTitleBar::setWidgetMaximizable})
-        (bar->*set)(true);
-    bar->updateWidgetFlags();
-    QEvent event(QEvent::WindowStateChange);
-
-    QVERIFY(!bar->mainWidget());
-    QVERIFY(!bar->systemGroup());
-    QVERIFY(!bar->resizable());
-    QVERIFY(!bar->eventFilter(window.data(), &event));
 }
 
 void tst_FancyTitleBar::storesTheTitleWidget()
@@ -438,7 +342,7 @@ void tst_FancyTitleBar::normalIconIsStoredAndShown()
     QIcon red = filled(Qt::red);
     bar->setNormalIcon(red);
     QCOMPARE(data().m_normalIcon[0].cacheKey(), red.cacheKey());
-    QCOMPARE(picture(data().m_normalIcon[1]), pictureOf("restore"));
+    QCOMPARE(imageOf(data().m_normalIcon[1]), resourceImage("restore"));
     QCOMPARE(data().m_maximizeButton->icon().cacheKey(), red.cacheKey());
 
     window->setWindowState(Qt::WindowMaximized);

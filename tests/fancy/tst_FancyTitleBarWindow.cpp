@@ -13,7 +13,7 @@
 */
 
 namespace {
-// Shows the window's state changes that its own handler gets to see.
+// Counts the state changes that reach its own handler.
 class Window : public QWidget
 {
 public:
@@ -56,7 +56,7 @@ private slots:
     void buttonsCommandTheWindow();
     void menuCommandsTheWindow();
     void closeOnlyAsks();
-    void strangersClickNothing();
+    void otherSendersClickNothing();
     void widgetOperationsEmitResizable();
     void systemMenuOpensAtTheButtonsCorner();
     void systemMenuStaysClosed();
@@ -274,7 +274,7 @@ void tst_FancyTitleBarWindow::menuCommandsTheWindow()
     const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
     const QSignalSpy clicked(data().m_maximizeButton, &FancyButton::clicked);
 
-    // Without a state change so far, restoring is possible and deliberately does the contrary.
+    // Without a state change so far, the restore entry is enabled and maximizes.
     data().m_restoreAction->trigger();
     QVERIFY(window->isMaximized());
     QCOMPARE(clicked.count(), 1);
@@ -310,7 +310,7 @@ void tst_FancyTitleBarWindow::closeOnlyAsks()
     data().q = bar;
 }
 
-void tst_FancyTitleBarWindow::strangersClickNothing()
+void tst_FancyTitleBarWindow::otherSendersClickNothing()
 {
     create(WithBoth);
     const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);

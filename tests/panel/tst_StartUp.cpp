@@ -85,6 +85,7 @@ private slots:
     void keepsItsFontSizeOnAnyDesktop();
     void handsTheArgumentsToTheApplication();
     void opensWebAddressesWithTheOpener();
+    void unsetsItsUrlHandlersAtTheEnd();
     void centresTheWindow();
     void endsWithStatusZeroAndLeavesTheDaemon();
 };
@@ -361,6 +362,27 @@ void tst_StartUp::opensWebAddressesWithTheOpener()
         for (const QByteArray &variable : variables)
             QVERIFY2(!variable.startsWith(name.toLatin1() + '='), variable.constData());
     }
+}
+
+void tst_StartUp::unsetsItsUrlHandlersAtTheEnd()
+{
+    ShimFolder shims;
+    shims.add(QStringLiteral("xdg-open"), "");
+    PanelProcess panel;
+    QVERIFY(panel.start());
+    // Qt's own opener encodes the address; the panel's handler would hand it on as it reads.
+    QList<QStringList> encoded;
+    for (const char *scheme : {"https", "http"}) {
+        const QUrl url(scheme + QStringLiteral("://hall.example/统一服务"));
+        panel.openUrlAtTheEnd(url);
+        encoded.append({QString::fromLatin1(url.toEncoded())});
+    }
+
+    QVERIFY(panel.invoke(Window, "close"));
+
+    QCOMPARE(panel.waitForExit(), std::optional<int>(0));
+    QTRY_COMPARE(shims.calls(QStringLiteral("xdg-open")), encoded);
+    QCOMPARE(panel.errorLines(), attemptLine(panel));
 }
 
 void tst_StartUp::centresTheWindow()

@@ -8,12 +8,12 @@
 
 namespace {
 
-//! The rooms of the tree whose texts a user may read.
-const QStringList Rooms = {QStringLiteral("app"), QStringLiteral("fancy"),
-                           QStringLiteral("overview"), QStringLiteral("settings"),
-                           QStringLiteral("shell")};
+//! The modules whose texts a user may read.
+const QStringList Modules = {QStringLiteral("app"), QStringLiteral("fancy"),
+                             QStringLiteral("overview"), QStringLiteral("settings"),
+                             QStringLiteral("shell")};
 
-//! What no font has a picture for, now or ever.
+//! No font has a glyph for it, now or ever.
 constexpr char32_t Noncharacter = 0x10FFFE;
 
 //! The characters of \a text for which no font at hand has a glyph.
@@ -43,8 +43,8 @@ QStringList chineseTexts()
     const QRegularExpression text(
             QStringLiteral("[\\p{Han}\\x{3000}-\\x{303F}\\x{FF00}-\\x{FFEF}]+"));
     QStringList result;
-    for (const QString &room : Rooms) {
-        QDirIterator files(QStringLiteral(PANEL_SOURCES) + QLatin1Char('/') + room,
+    for (const QString &module : Modules) {
+        QDirIterator files(QStringLiteral(PANEL_SOURCES) + QLatin1Char('/') + module,
                            {QStringLiteral("*.cpp"), QStringLiteral("*.h"), QStringLiteral("*.ui")},
                            QDir::Files, QDirIterator::Subdirectories);
         while (files.hasNext()) {
@@ -62,10 +62,7 @@ QStringList chineseTexts()
 
 } // namespace
 
-/*!
-    Whether the fonts at hand can show what the panel says. Not of the panel itself, but of the
-    machine that it runs on as the scripts and the package set it up.
-*/
+//! Whether the fonts of this machine, as the scripts set it up, can show the panel's texts.
 class tst_Glyphs : public QObject
 {
     Q_OBJECT

@@ -23,14 +23,14 @@ constexpr QRgb Hover = 0xfff6f7f9;
 constexpr QRgb Plain = 0xffd7d7de;
 constexpr QRgb Blue = 0xff006ab1;
 constexpr QRgb Black = 0xff000000;
-//! What the pictures are filled with before something is drawn.
-constexpr QRgb Ground = 0xff00ff00;
+//! What images are filled with before something is drawn.
+constexpr QRgb Background = 0xff00ff00;
 
 constexpr int HSpace = 30;
 constexpr QRect TextRect(42, 3, 77, 28);
 constexpr QRect TabRect(10, 3, 120, 28);
 
-//! A base style with measures that tests can count on, and that writes down what it is asked for.
+//! A base style with measures that tests can count on, and that records what it is asked for.
 class BaseStyle : public QProxyStyle
 {
 public:
@@ -92,9 +92,9 @@ struct Bar
 
     void addTab(const QString &text, bool hasIcon = false)
     {
-        QPixmap picture(16, 16);
-        picture.fill(Qt::red);
-        bar->addTab(hasIcon ? QIcon(picture) : QIcon(), text);
+        QPixmap pixmap(16, 16);
+        pixmap.fill(Qt::red);
+        bar->addTab(hasIcon ? QIcon(pixmap) : QIcon(), text);
     }
 };
 
@@ -137,7 +137,7 @@ template<typename Draw>
 QImage drawing(Draw draw)
 {
     QImage image(150, 50, QImage::Format_RGB32);
-    image.fill(Ground);
+    image.fill(Background);
     QPainter painter(&image);
     draw(&painter);
     return image;
@@ -238,12 +238,16 @@ void tst_MultiProjectsTabStyle::switchesHoveringBesideTheBase()
 {
     Bar bar;
     QWidget other;
-    bar.bar->setAttribute(Qt::WA_Hover, false);
-
-    bar.style.polish(bar.bar);
-    QVERIFY(bar.bar->testAttribute(Qt::WA_Hover));
-    bar.style.unpolish(bar.bar);
-    QVERIFY(!bar.bar->testAttribute(Qt::WA_Hover));
+    for (const bool before : {false, true}) {
+        bar.bar->setAttribute(Qt::WA_Hover, before);
+        bar.style.polish(bar.bar);
+        // A style sheet polishes a widget again.
+        bar.style.polish(bar.bar);
+        QVERIFY(bar.bar->testAttribute(Qt::WA_Hover));
+        bar.style.unpolish(bar.bar);
+        QCOMPARE(bar.bar->testAttribute(Qt::WA_Hover), before);
+    }
+    QVERIFY(bar.bar->dynamicPropertyNames().isEmpty());
 
     other.setAttribute(Qt::WA_Hover);
     bar.style.unpolish(&other);
@@ -252,9 +256,9 @@ void tst_MultiProjectsTabStyle::switchesHoveringBesideTheBase()
     bar.style.polish(&other);
     QVERIFY(!other.testAttribute(Qt::WA_Hover));
 
-    const QVector<QWidget *> both = {bar.bar, &other};
-    QCOMPARE(bar.base->polished, both);
-    QCOMPARE(bar.base->unpolished, both);
+    QWidget *const tabBar = bar.bar;
+    QCOMPARE(bar.base->polished, QVector<QWidget *>({tabBar, tabBar, tabBar, tabBar, &other}));
+    QCOMPARE(bar.base->unpolished, QVector<QWidget *>({tabBar, tabBar, &other}));
 }
 
 void tst_MultiProjectsTabStyle::width_data()
@@ -425,7 +429,7 @@ void tst_MultiProjectsTabStyle::leavesTheRestToTheBase()
              QVector<QStyle::ControlElement>({QStyle::CE_PushButton, QStyle::CE_TabBarTab, shape,
                                               shape, label, label, label, label}));
     QCOMPARE(other->drawn, QVector<QStyle::ControlElement>({label}));
-    QCOMPARE(boundsOf(image, Ground), image.rect());
+    QCOMPARE(boundsOf(image, Background), image.rect());
 }
 
 void tst_MultiProjectsTabStyle::shape_data()
@@ -468,8 +472,8 @@ void tst_MultiProjectsTabStyle::shape()
         painter->drawRoundedRect(inner, inset, inset);
     });
     QCOMPARE(image, expected);
-    QCOMPARE(image.pixel(inner.topLeft()), inset ? Ground : color);
-    QCOMPARE(image.pixel(inner.bottomRight()), inset ? Ground : color);
+    QCOMPARE(image.pixel(inner.topLeft()), inset ? Background : color);
+    QCOMPARE(image.pixel(inner.bottomRight()), inset ? Background : color);
     QCOMPARE(image.pixel(inner.topLeft() + QPoint(4, 0)), color);
     QCOMPARE(image.pixel(inner.topLeft() + QPoint(0, 4)), color);
 }
@@ -542,22 +546,22 @@ void tst_MultiProjectsTabStyle::iconIsSharp()
     QCOMPARE(ratio, qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
                             ? qgetenv("QT_SCALE_FACTOR").toDouble()
                             : 1.0);
-    QImage picture((QSizeF(16, 16) * ratio).toSize(), QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y)
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, (x + y) % 2 == 0 ? White : Blue);
+    QImage checkered((QSizeF(16, 16) * ratio).toSize(), QImage::Format_RGB32);
+    for (int y = 0; y < checkered.height(); ++y)
+        for (int x = 0; x < checkered.width(); ++x)
+            checkered.setPixel(x, y, (x + y) % 2 == 0 ? White : Blue);
     Bar bar;
     QStyleOptionTab option = tabOption(QStyle::State_None);
     option.rect = QRect(10, 0, 120, 32);
     option.text.clear();
-    option.icon = QIcon(QPixmap::fromImage(picture));
-    option.icon.addPixmap(QPixmap(picture.size() * 2));
-    option.icon.addPixmap(QPixmap(picture.size() / 2));
+    option.icon = QIcon(QPixmap::fromImage(checkered));
+    option.icon.addPixmap(QPixmap(checkered.size() * 2));
+    option.icon.addPixmap(QPixmap(checkered.size() / 2));
 
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QImage image((QSizeF(150, 50) * ratio).toSize(), QImage::Format_RGB32);
     image.setDevicePixelRatio(ratio);
-    image.fill(Ground);
+    image.fill(Background);
     QPainter painter(&image);
     bar.style.drawControl(QStyle::CE_TabBarTabLabel, &option, &painter);
     painter.end();
@@ -565,7 +569,7 @@ void tst_MultiProjectsTabStyle::iconIsSharp()
 
     image.setDevicePixelRatio(1);
     const QPoint corner = QPoint(18, 8) * ratio;
-    QCOMPARE(image.copy(QRect(corner, picture.size())), picture);
+    QCOMPARE(image.copy(QRect(corner, checkered.size())), checkered);
 }
 
 void tst_MultiProjectsTabStyle::textColor_data()
@@ -633,7 +637,7 @@ void tst_MultiProjectsTabStyle::textPlaceAndElision()
         painter->setPen(QColor(Black));
         painter->drawText(TextRect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
     });
-    QVERIFY(boundsOf(expected, Ground) == expected.rect());
+    QVERIFY(boundsOf(expected, Background) == expected.rect());
     QCOMPARE(image, expected);
 }
 

@@ -28,6 +28,21 @@ struct BarPrivate : PrivateMember<BarPrivate, FancyBarPrivate *, FancyBar>
 };
 template struct ExposePrivateMember<BarPrivate, &FancyBar::d>;
 
+//! Deletes the title bar of every bar that is being created.
+class TitleBarDeleter : public QObject
+{
+public:
+    TitleBarDeleter() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        // The bar's constructor sets its palette when it has its title bar.
+        const auto *bar = qobject_cast<FancyBar *>(watched);
+        if (bar && event->type() == QEvent::PaletteChange)
+            delete bar->titleBar();
+        return false;
+    }
+};
+
 class tst_ServiceContainer : public QObject
 {
     Q_OBJECT
@@ -53,6 +68,7 @@ private slots:
     void closeButtonClosesTheWindow();
     void stripIsPaintedInItsColours();
     void isDestroyedWhole();
+    void stopsWithoutATitleBar();
 
 private:
     void show();
@@ -299,6 +315,27 @@ void tst_ServiceContainer::isDestroyedWhole()
     m_window.reset();
     for (const QPointer<QObject> &object : qAsConst(objects))
         QVERIFY(object.isNull());
+}
+
+void tst_ServiceContainer::stopsWithoutATitleBar()
+{
+    const TitleBarDeleter deleter;
+    ServiceContainer window;
+
+    QVERIFY(window.windowFlags() & Qt::FramelessWindowHint);
+    QCOMPARE(window.size(), QSize(800, 600));
+    QCOMPARE(window.minimumSize(), QSize(0, 0));
+    QCOMPARE(window.maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+    QVERIFY(window.findChild<FancyBar *>(QStringLiteral("fancy_titlebar")));
+    QCOMPARE(window.layout()->count(), 1);
+    QVERIFY(!window.findChild<TabTitle *>());
+    QVERIFY(!window.findChild<OverviewForm *>());
+    QVERIFY(!window.findChild<SettingsForm *>());
+    QVERIFY(!window.findChild<QWK::WindowAgentBase *>());
+    // There is no header to drag the window by.
+    QVERIFY(!window.inTitleBarDraggableArea(QPoint(400, 16)));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
 }
 
 QTEST_MAIN(tst_ServiceContainer)

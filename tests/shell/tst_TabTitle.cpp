@@ -41,7 +41,7 @@ struct Header
     }
     //! By its property: QLabel's own calls for it differ between Qt 5.14 and 5.15.
     QPixmap iconPixmap() const { return labelIcon->property("pixmap").value<QPixmap>(); }
-    QImage picture() { return title.grab().toImage(); }
+    QImage grab() { return title.grab().toImage(); }
 };
 
 //! Marks each text that it is asked for with its context.
@@ -56,7 +56,7 @@ public:
     }
 };
 
-//! Writes down whose events it is asked to filter.
+//! Records whose events it is asked to filter.
 class FilteringTitle : public TabTitle
 {
 public:
@@ -85,7 +85,7 @@ private slots:
     void layout();
     void labels_data();
     void labels();
-    void picture();
+    void iconLabel();
     void tabs();
     void style();
     void fonts();
@@ -227,7 +227,7 @@ void tst_TabTitle::labels()
     QTEST(widget->styleSheet(), "styleSheet");
 }
 
-void tst_TabTitle::picture()
+void tst_TabTitle::iconLabel()
 {
     Header header;
     // Runs at the density that QT_SCALE_FACTOR sets.
@@ -389,7 +389,7 @@ void tst_TabTitle::paintsTheBlueField()
     header.title.showTabWidget(false);
     header.title.resize(800, 32);
     header.present();
-    const QImage image = header.picture();
+    const QImage image = header.grab();
 
     QCOMPARE(header.labelSpace->geometry(), QRect(0, 0, 2, 32));
     QCOMPARE(header.labelIcon->geometry(), QRect(2, 0, 20, 32));
@@ -405,14 +405,14 @@ void tst_TabTitle::paintsTheBlueField()
         QCOMPARE(image.pixelColor(0, y), BlueField);
         QCOMPARE(image.pixelColor(1, y), BlueField);
     }
-    // The picture stands at the left of its field, between rows 8 and 24.
-    QImage picture(20, 32, QImage::Format_RGB32);
-    picture.fill(BlueField);
+    // The icon stands at the left of its field, between rows 8 and 24.
+    QImage expected(20, 32, QImage::Format_RGB32);
+    expected.fill(BlueField);
     {
-        QPainter painter(&picture);
+        QPainter painter(&expected);
         painter.drawPixmap(0, 8, header.iconPixmap());
     }
-    QCOMPARE(image.copy(2, 0, 20, 32).convertToFormat(QImage::Format_RGB32), picture);
+    QCOMPARE(image.copy(2, 0, 20, 32).convertToFormat(QImage::Format_RGB32), expected);
 
     // White text on blue.
     bool hasWhite = false;

@@ -379,7 +379,13 @@ QVariant Inspector::application(const Question &)
 
 QVariant Inspector::openUrl(const Question &question)
 {
-    return QDesktopServices::openUrl(question.value(QStringLiteral("url")).toUrl());
+    const QUrl url = question.value(QStringLiteral("url")).toUrl();
+    if (question.value(QStringLiteral("atTheEnd")).toBool()) {
+        connect(QApplication::topLevelWidgets().constFirst(), &QObject::destroyed, this,
+                [url] { QDesktopServices::openUrl(url); });
+        return true;
+    }
+    return QDesktopServices::openUrl(url);
 }
 
 QVariant Inspector::picture(const Question &question)

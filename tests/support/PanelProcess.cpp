@@ -384,6 +384,12 @@ bool PanelProcess::openUrl(const QUrl &url)
     return ask(QStringLiteral("openUrl"), {{QStringLiteral("url"), url}}).toBool();
 }
 
+void PanelProcess::openUrlAtTheEnd(const QUrl &url)
+{
+    ask(QStringLiteral("openUrl"),
+        {{QStringLiteral("url"), url}, {QStringLiteral("atTheEnd"), true}});
+}
+
 QImage PanelProcess::picture(const QString &path)
 {
     return ask(QStringLiteral("picture"), {{QStringLiteral("path"), path}}).value<QImage>();

@@ -169,6 +169,8 @@ public:
     QVariant application(const QString &figure);
     //! Opens \a url as the panel's own code would; whether anything took it.
     bool openUrl(const QUrl &url);
+    //! Opens \a url behind the event loop, when the window is destroyed.
+    void openUrlAtTheEnd(const QUrl &url);
     //! The picture at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
     QImage picture(const QString &path);
 

@@ -85,7 +85,10 @@ const QVector<QEvent::Type> PressAndRelease = {QEvent::MouseButtonPress,
 
 void xdotool(const QStringList &arguments)
 {
-    QCOMPARE(QProcess::execute(QStringLiteral("xdotool"), arguments), 0);
+    QProcess process;
+    process.start(QStringLiteral("xdotool"), arguments);
+    QVERIFY(process.waitForFinished(TimeoutMs));
+    QCOMPARE(process.exitCode(), 0);
 }
 
 void xdotoolBeside(const QStringList &arguments)
@@ -122,7 +125,7 @@ QPoint placeOnServer(const QWidget &window)
     process.start(QStringLiteral("xdotool"),
                   {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"),
                    QString::number(window.windowHandle()->winId())});
-    process.waitForFinished();
+    process.waitForFinished(TimeoutMs);
     const QString text = QString::fromLatin1(process.readAllStandardOutput());
     const auto value = [&text](const QString &name) {
         return QRegularExpression(name + QStringLiteral("=(-?\\d+)"))

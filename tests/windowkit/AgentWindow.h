@@ -22,7 +22,7 @@ constexpr QRect PageRect(0, 60, 400, 140);
 constexpr QPoint HeaderPoint(150, 30);
 constexpr QPoint PagePoint(100, 120);
 
-//! A widget that writes down the mouse events that reach it.
+//! A widget that records the mouse events that reach it.
 class Recorder : public QWidget
 {
     Q_OBJECT
@@ -54,7 +54,7 @@ public:
     Recorder *page;
 };
 
-//! Answers the agent, true for the header, and writes its questions down.
+//! Answers the agent, true for the header, and records its questions.
 class Answer : public QObject
 {
     Q_OBJECT
@@ -65,7 +65,7 @@ public:
     QVector<QPoint> questions;
 };
 
-//! Writes down what filters that are installed later on \a window let pass of presses and releases.
+//! Records the presses and releases that later event filters of \a window let pass.
 class Observer : public QObject
 {
     Q_OBJECT
@@ -79,7 +79,7 @@ public:
     QVector<Qt::MouseButton> buttons; // one for each event
 };
 
-//! A press and its release, as Recorder and Observer write them down.
+//! A press and its release, as Recorder and Observer record them.
 extern const QVector<QEvent::Type> PressAndRelease;
 
 //! Runs xdotool to its end. No event of this process is handled meanwhile.

@@ -30,6 +30,8 @@ private slots:
     void followsAMotionBackToAnEarlierPlace();
     void endsEachFastDragAtThePointer_data();
     void endsEachFastDragAtThePointer();
+    void pressesWhileAMoveIsPending_data();
+    void pressesWhileAMoveIsPending();
     void startsFromWhereTheWindowWasPut();
     void dragsOverTwoScreens();
 };
@@ -186,6 +188,51 @@ void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer()
         place = next;
     }
     QCOMPARE(answer.questions.size(), 100);
+}
+
+void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending_data()
+{
+    QTest::addColumn<ulong>("pause");
+    QTest::addColumn<int>("distances");
+
+    // The agent allows a window manager a quarter of a second to carry a move out.
+    QTest::newRow("pending") << 10UL << 3;
+    QTest::newRow("pending to the last") << 249UL << 3;
+    QTest::newRow("refused") << 250UL << 2;
+}
+
+void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending()
+{
+    QFETCH(const ulong, pause);
+    QFETCH(const int, distances);
+    Window window;
+    QWK::WidgetWindowAgent agent;
+    const Answer answer(&agent);
+    agent.setup(&window);
+    window.present();
+
+    // Sent directly and with a time of their own, so that no move is reported between them.
+    ulong time = 1000;
+    const auto send = [&](QEvent::Type type, const QPoint &screen) {
+        const QPointF local = screen - WindowPosition;
+        QMouseEvent event(type, local, local, screen,
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                          Qt::NoModifier);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(window.windowHandle(), &event);
+    };
+    const QPoint from = WindowPosition + HeaderPoint;
+    const QPoint distance(40, 12);
+    send(QEvent::MouseButtonPress, from);
+    send(QEvent::MouseMove, from + distance);
+    send(QEvent::MouseButtonRelease, from + distance);
+    time += pause;
+    send(QEvent::MouseButtonPress, from + distance);
+    send(QEvent::MouseMove, from + 3 * distance);
+    send(QEvent::MouseButtonRelease, from + 3 * distance);
+
+    verifyPlace(window, WindowPosition + distances * distance);
 }
 
 void tst_WidgetWindowAgentDrag::startsFromWhereTheWindowWasPut()

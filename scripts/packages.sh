@@ -43,6 +43,7 @@ test_packages=(
     wmctrl
     dbus
     xfconf
+    tini
     xfwm4
     metacity
     at-spi2-core
@@ -71,4 +72,27 @@ check_packages=(
 bench_packages=(
     libbenchmark-dev
     libx11-dev
+)
+
+# The programs for which those of them are needed that aren't libraries, fonts or services.
+declare -A tools_of=(
+    [cmake]=cmake
+    [g++]=c++
+    [ninja-build]=ninja
+    [procps]='pgrep ps'
+    [xdg-utils]=xdg-open
+    [xvfb]=Xvfb
+    [openbox]=openbox
+    [xdotool]=xdotool
+    [x11-utils]=xprop
+    [imagemagick]='convert import'
+    [pkg-config]=pkg-config
+    [xserver-xephyr]=Xephyr
+    [x11-xserver-utils]=xrandr
+    [wmctrl]=wmctrl
+    [dbus]=dbus-daemon
+    [tini]=tini
+    [xfwm4]=xfwm4
+    [metacity]=metacity
+    [git]=git
 )

@@ -3,6 +3,7 @@
 #
 #   in-desktop.sh [--no-display] [--wm MANAGER|none] [--screen WxHxD]... [--server-dpi DPI]
 #                 [--session-bus] [--pid-namespace] -- COMMAND...
+#   in-desktop.sh --can-hide-processes
 #
 # The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
 # a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
@@ -10,9 +11,23 @@
 # follow the name) that is ready before it starts and whose command line it finds in PANEL_TEST_WM;
 # the server's own resolution is 96 dpi unless told otherwise;
 # with --session-bus a D-Bus session, which the window manager shares; and with --pid-namespace a
-# process namespace in which it sees only its own children. The exit status is the command's; 70
-# where the surroundings can't be had.
+# PID namespace in which it sees only its own children. Where such a namespace can't be had, what the
+# command leaves behind is ended all the same, but it sees the processes of the machine: of those that
+# start daemons, one at a time. The exit status is the command's; 70 where the surroundings can't be had.
+#
+# The second form only tells whether there are PID namespaces, by its exit status. The variable
+# PANEL_TEST_PLAIN, if it is set to anything, makes both do without them.
 set -euo pipefail
+
+namespace=(unshare --pid --fork --kill-child --mount-proc)
+[ "$(id -u)" -eq 0 ] || namespace+=(--user --map-root-user)
+can_hide_processes() {
+    [ -z "${PANEL_TEST_PLAIN:-}" ] && "${namespace[@]}" true 2>/dev/null
+}
+if [ "${1-}" = --can-hide-processes ]; then
+    can_hide_processes
+    exit
+fi
 
 display=yes
 wm=openbox
@@ -150,15 +165,13 @@ fi
 
 launcher=(env -i "${environment[@]}")
 if [ "$pid_namespace" = yes ]; then
-    namespace=(unshare --pid --fork --kill-child --mount-proc)
-    if [ "$(id -u)" -ne 0 ]; then
-        namespace+=(--user --map-root-user)
-    fi
-    if "${namespace[@]}" true 2>/dev/null; then
+    if can_hide_processes; then
         # bash as the first process of the namespace takes in and reaps what is left without a parent.
         launcher+=("${namespace[@]}" bash -c '"$@"; exit $?' bash)
-    elif pgrep -x Corvane >/dev/null; then
-        fail "a process named Corvane runs on this machine, and it can't be hidden from the test"
+    elif pids=$(pgrep -x Corvane); then
+        fail "it can't be hidden from the test that a process named Corvane runs: PID ${pids//$'\n'/ }"
+    else
+        launcher=(setpriv --pdeathsig TERM "${launcher[@]}" "$(dirname "$(readlink -f "$0")")/adopt.sh")
     fi
 fi
 

@@ -20,8 +20,8 @@ public:
 
 public slots:
     /*!
-        Starts "xdg-open", detached, with the text of \a url as its only argument. Returns at once;
-        when it can't be started nothing happens and nothing is reported.
+        Starts "xdg-open" detached, with the text of \a url as its only argument, and returns at
+        once. A failure to start it is not reported.
     */
     void handle(const QUrl &url);
 };

@@ -48,7 +48,7 @@ QString outputText(const QList<QVariant> &result)
     return result.isEmpty() ? QString() : result.at(OutputIndex).toString();
 }
 
-bool isAnswer(const QList<QVariant> &result)
+bool daemonFound(const QList<QVariant> &result)
 {
     return !outputText(result).isEmpty() && result.at(ExitCodeIndex).toInt() == 0;
 }
@@ -60,7 +60,7 @@ qint64 pidOrZero(const QList<QVariant> &result)
 
 std::optional<qint64> singlePid(const QList<QVariant> &result)
 {
-    if (!isAnswer(result))
+    if (!daemonFound(result))
         return std::nullopt;
 
     bool ok = false;

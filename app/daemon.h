@@ -13,12 +13,12 @@
 
     The functions that read a result take what executeInMain() returns: an empty list, or the
     standard output and the exit code. Start-up, the refresh of the run-status page and the repair
-    judge the same answer by different rules, on purpose; each rule has its function here, and the
-    caller names the one that it follows.
+    differ in what they do about several daemons or a number that can't be read, so each rule for
+    reading the answer has its own function.
 */
 namespace Daemon {
 
-//! The process number of a daemon that isn't running, or of which nothing is known.
+//! The PID of a daemon that isn't running, or of which nothing is known.
 constexpr qint64 UnknownPid = -1;
 
 //! The shell that runs the command lines below.
@@ -27,13 +27,13 @@ QString shell();
 //! The arguments with which shell() runs \a commandLine.
 QStringList shellArguments(const QString &commandLine);
 
-//! The command line that prints the process number of each running daemon, one a line.
+//! The command line that prints the PID of each running daemon, one per line.
 QString probeCommand();
 
 /*!
     The command line that prints the process figures of process \a pid on one line, if that process
-    is a daemon: command name, process number, user, elapsed time, CPU share and memory share,
-    parted by blanks.
+    is a daemon: command name, PID, user, elapsed time, CPU share and memory share, separated by
+    blanks.
 */
 QString detailCommand(qint64 pid);
 
@@ -41,39 +41,38 @@ QString detailCommand(qint64 pid);
 QString outputText(const QList<QVariant> &result);
 
 /*!
-    Whether the probe's \a result tells of a daemon at all: the shell ran, it printed something and
-    its exit code is 0. How many numbers it printed doesn't matter. The refresh and the repair go
-    by this.
+    Whether the probe found at least one daemon: the shell ran, it printed something and its exit
+    code is 0. How many PIDs it printed doesn't matter. The refresh and the repair use this rule.
 */
-bool isAnswer(const QList<QVariant> &result);
+bool daemonFound(const QList<QVariant> &result);
 
 /*!
-    The number that the probe's \a result holds, white space around it aside, or 0 when its text is
-    not one decimal number (two daemons give two lines).
+    The PID in the probe's \a result, white space around it ignored, or 0 when the output is not a
+    single decimal number (two daemons give two lines).
 */
 qint64 pidOrZero(const QList<QVariant> &result);
 
 /*!
-    The number that the probe's \a result holds, or nothing when it is no answer or its text is not
-    one decimal number. Start-up goes by this.
+    The PID in the probe's \a result, or nothing when no daemon was found or the output is not a
+    single decimal number. Start-up uses this rule.
 */
 std::optional<qint64> singlePid(const QList<QVariant> &result);
 
-//! The path of the daemon's executable: beside the panel's own, whether it exists or not.
+//! The path of the daemon's executable, beside the panel's own. It need not exist.
 QString executablePath();
 
 //! When launch() tries to start the daemon.
 enum class LaunchRule {
-    IfExecutableExists, //!< a missing executable is no attempt
-    Always, //!< try in any case, and leave it to the system to refuse
+    IfExecutableExists, //!< don't try when the executable is missing
+    Always, //!< try in any case; the system refuses a missing executable
 };
 
 /*!
     Logs the executable's path at information level, then starts the daemon detached with the
     argument "quickboot", in the panel's folder and with the panel's environment.
 
-    Returns the process number of the new process, or nothing when it was not started. Doesn't
-    wait, try again or look whether the daemon stays up.
+    Returns the PID of the new process, or nothing when it could not be started. Doesn't wait,
+    retry or check that the daemon stays up.
 */
 std::optional<qint64> launch(LaunchRule rule);
 

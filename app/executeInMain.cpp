@@ -8,9 +8,8 @@ constexpr int StartTimeoutMs = 30000;
 constexpr int NoTimeout = -1;
 
 /*!
-    A class of its own, on purpose: Qt creates its processes by fork(). Those of QProcess itself are
-    created by clone() on newer kernels, and Qt 5.15 does not see when the system refuses that: it
-    waits for ever for a process -1.
+    Subclassed so that Qt 5.15 uses fork(): for a plain QProcess it ignores a failed clone() and
+    then waits forever.
 */
 class Command : public QProcess
 {

@@ -1,131 +1,119 @@
-// One refresh of the run-status page, in a process as large as the panel, against the same two
-// pipelines run by a bare program, and by QProcess in a program with an empty window. The three
-// take turns.
+// One refresh of the run-status page in a process as large as the panel, against the same commands
+// run by the baseline. The two take turns. Prints the medians as a table with tabs, in
+// milliseconds:
 //
-//   bench_refresh [--rounds N]
+//   bench_refresh ROUNDS
 
-#include "app/daemon.h"
-#include "app/executeInMain.h"
-#include "benchmarks/Measure.h"
-#include "benchmarks/PanelWindow.h"
-#include "benchmarks/Pipelines.h"
+#include "benchmarks/Times.h"
+#include "overview/OverviewForm.h"
+#include "shell/ServiceContainer.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QPaintEvent>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QTimer>
+#include <QWindow>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
-constexpr int DefaultRounds = 400;
 constexpr int WarmUpRounds = 10;
-constexpr int PaintRounds = 20;
-constexpr double WallRatioAim = 1.05;
-constexpr double OwnMsAim = 1.0;
+constexpr int TimeoutMs = 30000;
 
-//! Adds up the pixels that widgets are asked to paint.
-class PaintWatch : public QObject
+void handleEvents()
 {
-    Q_OBJECT
-
-public:
-    qint64 takePixels() { return std::exchange(m_pixels, 0); }
-
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint) {
-            for (const QRect &rect : static_cast<QPaintEvent *>(event)->region())
-                m_pixels += qint64(rect.width()) * rect.height();
-        }
-        return false;
-    }
-
-private:
-    qint64 m_pixels = 0;
-};
-
-//! The floor must run what the panel runs.
-void checkPipelines()
-{
-    constexpr qint64 anyPid = 1234;
-    if (Daemon::probeCommand().toStdString() != Bench::probeCommand()
-        || Daemon::detailCommand(anyPid).toStdString() != Bench::detailCommand(anyPid))
-        Bench::fail("the floor runs other pipelines than the panel");
+    while (QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents)) { }
 }
 
-//! What a refresh asks the system, without what it does with the answers.
-void runPipelines()
+void waitForExposure(const QWidget &window)
 {
-    const auto probe =
-            executeInMain(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
-    executeInMain(Daemon::shell(),
-                  Daemon::shellArguments(Daemon::detailCommand(Daemon::pidOrZero(probe))));
+    QElapsedTimer waited;
+    waited.start();
+    while (!window.windowHandle()->isExposed()) {
+        if (waited.hasExpired(TimeoutMs))
+            qFatal("the window was not exposed");
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, TimeoutMs);
+    }
+    handleEvents();
 }
 
-void reportPaintedPixels(Bench::PanelWindow &panel)
+//! What one round takes in the baseline.
+Times baselineRound(QProcess &baseline)
 {
-    PaintWatch watch;
-    qApp->installEventFilter(&watch);
-    std::vector<double> pixels;
-    for (int i = 0; i < PaintRounds; ++i) {
-        panel.refresh();
-        Bench::handleEvents();
-        pixels.push_back(static_cast<double>(watch.takePixels()));
+    Times taken;
+    baseline.write("r");
+    while (baseline.bytesAvailable() < qint64(sizeof taken)) {
+        if (!baseline.waitForReadyRead(TimeoutMs))
+            qFatal("the baseline has ended");
     }
-    qApp->removeEventFilter(&watch);
-    Bench::report("pixels painted by widgets for a refresh", "", Bench::median(pixels));
+    baseline.read(reinterpret_cast<char *>(&taken), sizeof taken);
+    return taken;
+}
+
+double median(const std::vector<Times> &all, double Times::*clock)
+{
+    std::vector<double> values;
+    for (const Times &times : all)
+        values.push_back(times.*clock);
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+void report(const char *what, double panel, double baseline)
+{
+    printf("%s\t%.2f\t%.2f\n", what, panel, baseline);
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    checkPipelines();
-    const Bench::RunningDaemon daemon;
-    Bench::FloorProgram bare(PANEL_BENCH_FLOOR_PIPELINES);
-    Bench::setUpEnvironment();
+    // As the panel's own start-up sets it.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    qputenv("QT_XCB_GL_INTEGRATION", "none");
     QApplication app(argc, argv);
-    Bench::setUpApplication();
-    const int rounds = Bench::numberOption(argc, argv, "--rounds", DefaultRounds);
+    QFont font;
+    font.setPointSize(9);
+    QApplication::setFont(font);
+    const int rounds = QCoreApplication::arguments().value(1).toInt();
+    if (rounds <= 0)
+        qFatal("needs a number of rounds");
 
-    Bench::PanelWindow panel;
-    Bench::FloorProgram qprocess(PANEL_BENCH_FLOOR_QPROCESS);
-    Bench::Series refreshes;
-    Bench::Series repaints;
-    Bench::Series pipelines;
-    Bench::Series bares;
-    Bench::Series qprocesses;
+    ServiceContainer window;
+    auto *page = window.findChild<OverviewForm *>();
+    // Refreshes come when this program calls for them.
+    page->findChild<QTimer *>()->stop();
+    window.show();
+    waitForExposure(window);
+
+    QProcess baseline;
+    baseline.start(QStringLiteral(PANEL_BENCH_BASELINE), {QStringLiteral("refresh")});
+    std::vector<Times> refreshes;
+    std::vector<Times> repaints;
+    std::vector<Times> baselines;
     for (int round = 0; round < WarmUpRounds + rounds; ++round) {
-        const Bench::Times bareTook = bare.measure(Bench::Pipelines::Refresh);
-        const Bench::Times qprocessTook = qprocess.measure(Bench::Pipelines::Refresh);
-        const Bench::Times start = Bench::now();
-        runPipelines();
-        const Bench::Times before = Bench::now();
-        panel.refresh();
-        const Bench::Times refreshed = Bench::now();
-        Bench::handleEvents();
-        const Bench::Times painted = Bench::now();
+        const Times baselineTook = baselineRound(baseline);
+        const Times before = now();
+        if (!QMetaObject::invokeMethod(page, "syncOWInfo", Qt::DirectConnection))
+            qFatal("the page has no refresh");
+        const Times refreshed = now();
+        handleEvents();
+        const Times painted = now();
         if (round < WarmUpRounds)
             continue;
-        bares.add(bareTook);
-        qprocesses.add(qprocessTook);
-        pipelines.add(before - start);
-        refreshes.add(refreshed - before);
-        repaints.add(painted - refreshed);
+        baselines.push_back(baselineTook);
+        refreshes.push_back(refreshed - before);
+        repaints.push_back(painted - refreshed);
     }
+    baseline.closeWriteChannel();
+    baseline.waitForFinished();
 
-    const char *const against = "  against QProcess in an empty window";
-    Bench::report("refresh, wall time", "ms", refreshes.wallMs(), bares.wallMs(), WallRatioAim);
-    Bench::report(against, "ms", refreshes.wallMs(), qprocesses.wallMs());
-    Bench::report("refresh, processor time of the children", "ms", refreshes.childrenMs(),
-                  bares.childrenMs());
-    Bench::report(against, "ms", refreshes.childrenMs(), qprocesses.childrenMs());
-    Bench::report("refresh, own processor time", "ms", refreshes.ownMs(), bares.ownMs());
-    Bench::report(against, "ms", refreshes.ownMs(), qprocesses.ownMs());
-    Bench::report("  of it: running the pipelines", "ms", pipelines.ownMs(), qprocesses.ownMs());
-    Bench::report("repaint after it, own processor time", "ms", repaints.ownMs());
-    Bench::report("refresh and repaint, own processor time", "ms",
-                  refreshes.ownMs() + repaints.ownMs(), Bench::NoFloor, OwnMsAim);
-    reportPaintedPixels(panel);
-    return 0;
+    report("refresh, wall time", median(refreshes, &Times::wall), median(baselines, &Times::wall));
+    report("refresh and repaint, own processor time",
+           median(refreshes, &Times::own) + median(repaints, &Times::own),
+           median(baselines, &Times::own));
+    return EXIT_SUCCESS;
 }
-
-#include "bench_refresh.moc"

@@ -63,8 +63,8 @@ if(PANEL_COVERAGE)
     target_link_options(panel_options INTERFACE --coverage)
 endif()
 
-# Link-time optimisation is for the delivered program only: the tests link the same rooms a few
-# dozen times over, and another tree that takes the rooms in may not use it at all. Only GCC can give
+# Link-time optimisation is for the delivered program only: the tests link the same modules a few
+# dozen times over, and another tree that takes the modules in may not use it at all. Only GCC can give
 # objects that serve both.
 function(panel_enable_lto target)
     if(NOT PANEL_LTO OR PANEL_SANITIZE OR PANEL_COVERAGE OR NOT PANEL_IS_TOP_LEVEL
@@ -77,7 +77,7 @@ function(panel_enable_lto target)
         set_target_properties(${target} PROPERTIES
             INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
             INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
-        # For those that link a room without link-time optimisation, such as the tests.
+        # For those that link a module without link-time optimisation, such as the tests.
         target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffat-lto-objects>)
     else()
         message(STATUS "Link-time optimisation is off: ${reason}")

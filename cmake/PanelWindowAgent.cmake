@@ -3,7 +3,7 @@
 #   bundled  from windowkit/; no package is looked for
 #   system   from an installed package
 #
-# Include it where panel_add_room() and Qt5::Widgets are known.
+# Include it where panel_add_module() and Qt5::Widgets are known.
 
 # Sets <result> to whether the package found declares what the panel calls. Only compiles.
 function(panel_check_window_agent result)

@@ -195,7 +195,7 @@ void OverviewForm::syncOWInfo()
     QStringList row;
 
     const QList<QVariant> probe = run(*this, Daemon::probeCommand());
-    if (!Daemon::isAnswer(probe)) {
+    if (!Daemon::daemonFound(probe)) {
         lastPid = Daemon::UnknownPid;
     } else {
         const qint64 pid = Daemon::pidOrZero(probe);
@@ -270,7 +270,7 @@ void OverviewForm::on_xfkqfw_clicked()
 
     // Unlike start-up, any answer counts, however many daemons it tells of. The row and lastPid are
     // left to the next tick of the timer.
-    if (Daemon::isAnswer(run(*this, Daemon::probeCommand()))) {
+    if (Daemon::daemonFound(run(*this, Daemon::probeCommand()))) {
         QMessageBox::information(this, title, tr("朔川服务修复成功！"), QMessageBox::Ok,
                                  QMessageBox::NoButton);
     } else {

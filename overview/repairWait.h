@@ -3,7 +3,7 @@
 #include <QtGlobal>
 
 /*!
-    How long a repair waits for the daemon that it has started, in whole seconds from 5 to 14. The
-    same \a seed gives the same wait.
+    Returns how long a repair waits for the daemon that it has started: 5 to 14 seconds, drawn from
+    a generator with the given \a seed.
 */
 int repairWaitSeconds(quint32 seed);

@@ -1,67 +1,63 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds the release with its benchmarks, runs them all and prints one table:
+# Builds the release and measures it against its baselines (benchmarks/), and against two programs that
+# show processes too where they are installed, qps and lxtask. Takes three minutes:
 #
-#   bench.sh [--quick]
+#   bench.sh [ROUNDS]
 #
-# The table is left in build/bench/measurements.md too. --quick only shows that everything runs: its
-# figures mean nothing. Every ratio is one within the same run, of medians, but a quiet machine gives
-# better ones all the same.
+# ROUNDS starts of each program, 40 by default. Figures are medians of one run on a display of its own.
 set -euo pipefail
 project=$(cd "$(dirname "$0")/.." && pwd)
 . "$project/scripts/common.sh"
 build=$project/build/bench
 
-refreshes=400 starts=60 memory=10 seconds=60 growth=10000 functions=0.5 repetitions=9
-case "$*" in
-'') ;;
---quick) refreshes=20 starts=3 memory=2 seconds=6 growth=200 functions=0.05 repetitions=3 ;;
-*) fail "takes --quick, or nothing" ;;
-esac
+# measure ROUNDS: what runs inside the display; prints a table of tabs.
+measure() {
+    local rounds=$1 names=() commands=() other i
+    local panel=$build/bin/corvane-panel baseline=$build/benchmarks/baseline
+    add() { names+=("$1"); commands+=("$2"); }
+    add panel "$panel"
+    add 'empty window and the same commands' "$baseline start-up"
+    add 'the same without OpenGL' "env QT_XCB_GL_INTEGRATION=none $baseline start-up"
+    for other in qps lxtask; do
+        ! command -v "$other" >/dev/null || add "$other" "$other"
+    done
+    "$build/bin/Corvane" &
+    local daemon=$!
+    trap 'kill "$daemon"' EXIT
 
-need_packages "${build_packages[@]}" "${run_packages[@]}" "${display_packages[@]}" \
-    "${test_packages[@]}" "${bench_packages[@]}"
-configure bench -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=ON -DPANEL_BENCHMARKS=ON
-cmake --build "$build" --target benchmarks
-cd "$project"
+    # hyperfine's CSV: the fourth field from the start of the figures is the median, in seconds.
+    hyperfine --shell=none --warmup 3 --runs "$rounds" --style basic --export-csv start.csv \
+        "${commands[@]/#/$build/benchmarks/until_shown }" >&2
+    mapfile -t starts < <(awk -F, 'NR > 1 { printf "%.1f\n", $(NF - 4) * 1000 }' start.csv)
+    for i in "${!names[@]}"; do
+        printf 'start-up to the mapped window, ms\t%s\t%s\n' "${names[i]}" "${starts[i]}"
+    done
+    for i in "${!names[@]}"; do
+        # shellcheck disable=SC2086
+        for _ in 1 2 3 4 5; do "$build/benchmarks/until_shown" --memory ${commands[i]}; done |
+            sort -n | awk -v name="${names[i]}" 'NR == 3 {
+                printf "private memory, KiB\t%s\t%d\npeak of the resident set, KiB\t%s\t%d\n",
+                    name, $1, name, $2 }'
+    done
 
-rows=$(mktemp)
-trap 'rm -f "$rows"' EXIT
-
-# run WINDOW_MANAGER PROGRAM [ARGUMENT...]: in a desktop of its own, where only its daemon runs.
-run() {
-    echo "$2 ..." >&2
-    tests/support/in-desktop.sh --pid-namespace --wm "$1" -- "$build/benchmarks/$2" "${@:3}"
+    "$build/benchmarks/bench_refresh" "$((rounds * 10))" | awk -F'\t' '{
+        printf "%s, ms\tpanel\t%s\n%s, ms\tthe same commands in an empty window\t%s\n", $1, $2, $1, $3 }'
+    local probe="pgrep -lf Corvane | grep -w Corvane | awk '{print \$1}'"
+    local detail="ps -o comm,pid,user,etime,%cpu,%mem -p $daemon | grep -w Corvane"
+    hyperfine --shell=none --warmup 10 --runs "$((rounds * 10))" --style basic --export-csv refresh.csv \
+        "/bin/bash -c \"${probe//\$/\\\$}\"" "/bin/bash -c \"$detail\"" >&2
+    awk -F, 'NR > 1 { sum += $(NF - 4) * 1000 } END {
+        printf "refresh, wall time, ms\tthe two pipelines by themselves\t%.2f\n", sum }' refresh.csv
 }
 
-{
-    run openbox bench_refresh --rounds "$refreshes"
-    run openbox bench_startup --rounds "$starts"
-    run none bench_startup --rounds "$starts" --label "no window manager"
-    run openbox bench_memory --rounds "$memory"
-    run openbox bench_growth --refreshes "$growth"
-    run openbox bench_idle --seconds "$seconds"
-} >"$rows"
-run openbox bench_functions --benchmark_format=csv --benchmark_min_time="$functions" \
-    --benchmark_repetitions="$repetitions" --benchmark_report_aggregates_only=true |
-    awk -F, -v OFS='\t' '
-        $9 == "true" { print "failed: " $0 > "/dev/stderr"; exit 1 }
-        sub(/_median"/, "", $1) { sub(/"/, "", $1); print $1 ", processor time", $4, $5, "", "", "", "" }
-    ' >>"$rows"
-
-awk -F'\t' '
-    BEGIN { row("What", "Panel", "Unit", "Floor", "Ratio", "At most", "Aim") }
-    { row($1, $2, $3, $4, $5, $6, $7) }
-    function row(a, b, c, d, e, f, g) { printf "%-66s %9s %-3s %9s %7s %8s  %s\n", a, b, c, d, e, f, g }
-' "$rows"
-
-model=$(awk -F': ' '/^model name/ { print $2; exit }' /proc/cpuinfo)
-{
-    echo "$(date -u +%Y-%m-%d), ${model:-unknown processor}, $(nproc) processors," \
-        "Linux $(uname -r), Qt $(qmake -qt=5 -query QT_VERSION 2>/dev/null || echo 5)," \
-        "load $(cut -d' ' -f1 /proc/loadavg) at the end"
-    echo
-    echo "| What | Panel | Unit | Floor | Ratio | At most | Aim |"
-    echo "|---|--:|---|--:|--:|--:|---|"
-    awk -F'\t' '{ printf "| %s | %s | %s | %s | %s | %s | %s |\n", $1, $2, $3, $4, $5, $6, $7 }' "$rows"
-} >"$build/measurements.md"
-echo "The same in Markdown: $build/measurements.md"
+if [ "${1:-}" = --measure ]; then
+    measure "$2"
+    exit
+fi
+need_packages "${build_packages[@]}" "${run_packages[@]}" "${display_packages[@]}" \
+    "${bench_packages[@]}"
+configure bench -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF -DPANEL_BENCHMARKS=ON
+cmake --build "$build" --target benchmarks
+"$project/tests/support/in-desktop.sh" --pid-namespace -- "$0" --measure "${1:-40}" |
+    sort -s -t "$(printf '\t')" -k 1,1 | awk -F'\t' '{ printf "%-42s %-42s %9s\n", $1, $2, $3 }'
+echo "Linux $(uname -r), $(nproc) processors, load $(cut -d' ' -f1 /proc/loadavg) at the end"

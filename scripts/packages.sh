@@ -70,7 +70,7 @@ check_packages=(
 
 # To measure it.
 bench_packages=(
-    libbenchmark-dev
+    hyperfine
     libx11-dev
 )
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Renders the documentation's pictures of the window into docs/pictures: each state of the real
+# Takes the documentation's screenshots of the window into docs/pictures: each state of the real
 # program at device pixel ratios 1 and 2, taken from a private X server.
 set -euo pipefail
 project=$(cd "$(dirname "$0")/.." && pwd)
@@ -19,8 +19,8 @@ trap 'rm -rf "$raw"' EXIT
 PANEL_TEST_PICTURES=$raw "$project/tests/support/in-desktop.sh" --screen "$screen" \
     --pid-namespace -- "$build/tests/panel/pictures"
 
-for picture in "$raw"/*.png; do
-    convert "$picture" -strip -define png:compression-level=9 -define png:compression-filter=1 \
-        "$project/docs/pictures/$(basename "$picture")"
+for screenshot in "$raw"/*.png; do
+    convert "$screenshot" -strip -define png:compression-level=9 -define png:compression-filter=1 \
+        "$project/docs/pictures/$(basename "$screenshot")"
 done
-say "pictures in docs/pictures: $(find "$raw" -name '*.png' | wc -l)"
+say "screenshots in docs/pictures: $(find "$raw" -name '*.png' | wc -l)"

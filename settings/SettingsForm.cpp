@@ -12,7 +12,7 @@
 
 namespace {
 
-//! A key of the settings file: what a missing value stands for and, for a number, what is accepted.
+//! A key of the settings file, its default and, for a number, its accepted range.
 struct Setting
 {
     const char *key = nullptr;
@@ -21,7 +21,7 @@ struct Setting
     int maximum = 0;
 };
 
-constexpr Setting LogLevel = {"log/level", 1}; // by its place among LevelNames
+constexpr Setting LogLevel = {"log/level", 1}; // index into LevelNames
 constexpr Setting LogDays = {"log/days", 30, 10, 30};
 constexpr Setting RpcLogs = {"rpc/enableLogs", false};
 constexpr Setting RpcTimeout = {"rpc/timeout", 30, 10, 60}; // seconds
@@ -30,14 +30,14 @@ constexpr Setting MsgPull = {"msg/pullInterval", 10, 5, 30}; // minutes
 constexpr Setting MsgUpdate = {"msg/updateInterval", 3, 1, 10}; // seconds
 constexpr Setting MsgUpload = {"msg/uploadInterval", 3, 1, 30}; // minutes
 
-//! As the user sees them and as the file holds them.
+//! As shown and as stored in the file.
 constexpr std::array<const char *, 5> LevelNames = {
         QT_TRANSLATE_NOOP("SettingsForm", "调试"), QT_TRANSLATE_NOOP("SettingsForm", "信息"),
         QT_TRANSLATE_NOOP("SettingsForm", "警告"), QT_TRANSLATE_NOOP("SettingsForm", "错误"),
         QT_TRANSLATE_NOOP("SettingsForm", "致命"),
 };
 
-//! From this age on a lock without a signature is nobody's: signing takes microseconds.
+//! An unsigned lock of this age has no owner: signing takes microseconds.
 constexpr int AbandonedLockMs = 1000;
 
 void setUpNumber(QSpinBox *field, const Setting &setting)
@@ -54,7 +54,7 @@ QVariant read(const QSettings *settings, const Setting &setting, const QVariant 
 void readNumber(const QSettings *settings, const Setting &setting, QSpinBox *field)
 {
     const int number = read(settings, setting, setting.initial).toInt();
-    // The field would clamp it: what is out of range must not show at all.
+    // setValue() would clamp a value out of range; it must be ignored.
     if (number >= setting.minimum && number <= setting.maximum)
         field->setValue(number);
 }
@@ -65,8 +65,8 @@ void write(QSettings *settings, const Setting &setting, const QVariant &value)
 }
 
 /*!
-    Takes away a lock of \a file that nobody owns: a panel was killed between making the lock and
-    signing it. With such a lock QSettings would block the first change for half a minute.
+    Removes a lock of \a file that was left by a panel killed between creating and signing it.
+    QSettings would wait half a minute for it before the first change.
 */
 void removeAbandonedLock(const QString &file)
 {
@@ -75,7 +75,7 @@ void removeAbandonedLock(const QString &file)
         return;
     QLockFile lock(path);
     lock.setStaleLockTime(AbandonedLockMs);
-    // Takes the place of a stale lock, which then goes with this object.
+    // Replaces a stale lock; the new one is removed with this object.
     lock.tryLock(0);
 }
 
@@ -110,8 +110,7 @@ SettingsForm::SettingsForm(QWidget *parent)
     connect(ui->spinStatusUpdate, SIGNAL(valueChanged(int)), this, SLOT(msgUpdateChanged()));
     connect(ui->spinUpload, SIGNAL(valueChanged(int)), this, SLOT(msgUploadChanged()));
 
-    // Behind the connections on purpose: what loading changes is written back and shows the
-    // warning.
+    // After the connections: values that loading changes are written back and show the warning.
     loadConfig();
 }
 
@@ -120,7 +119,7 @@ SettingsForm::~SettingsForm()
     delete ui;
 }
 
-//! Tells assistive tools what each field is, by the texts beside it.
+//! Names each field for assistive tools by the labels beside it.
 void SettingsForm::nameFields()
 {
     const auto name = [](QWidget *field, const QLabel *label, const QLabel *unit) {
@@ -128,7 +127,7 @@ void SettingsForm::nameFields()
         if (unit)
             field->setAccessibleDescription(unit->text());
     };
-    // A combo box is known by its value; its label has to be tied to it.
+    // The accessible name of a combo box is its value, so its label becomes its buddy instead.
     ui->label_7->setBuddy(ui->cbLogLevel);
     name(ui->spinLogDays, ui->label_8, ui->label_9);
     name(ui->spinRpcTimeout, ui->label_3, ui->label_4);
@@ -142,7 +141,7 @@ void SettingsForm::loadConfig()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation)
                            + QStringLiteral("/KqVantora");
-    // Of a relative path this makes a second one inside the first; kept as the design has it.
+    // A relative path is created a second time inside itself; the design keeps that.
     QDir(folder).mkpath(folder);
     const QString file = QStringLiteral("%1/settings.ini").arg(folder);
     removeAbandonedLock(file);
@@ -165,7 +164,7 @@ void SettingsForm::loadConfig()
 
 void SettingsForm::saveConfig()
 {
-    // Empty on purpose: the slots below write each change at once.
+    // Empty: the slots below write each change at once.
 }
 
 void SettingsForm::logLevelChanged()

@@ -25,17 +25,17 @@ public:
         \a parent is the owner.
     */
     explicit SettingsForm(QWidget *parent = nullptr);
-    //! Writes what is still pending.
+    //! Writes pending changes.
     ~SettingsForm() override;
 
     /*!
         Opens the settings file and shows its values; called once, by the constructor. A key that
-        is missing, or whose value is not accepted, leaves its field as it is and is left alone in
-        the file; a value other than the default is written back. A file that can't be opened or
-        parsed changes no field; later changes are handed to it all the same.
+        is missing or not accepted leaves its field unchanged and stays as it is in the file; a
+        value other than the default is written back. A file that can't be opened or parsed changes
+        no field; later changes are still handed to it.
     */
     void loadConfig();
-    //! Does nothing: every change has been written by the time that this could be called.
+    //! Does nothing: each change is already written.
     void saveConfig();
 
 private slots:

@@ -1,6 +1,7 @@
 #include "app/VTWebUrlHandler.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/files.h"
 
 #include <QDesktopServices>
 #include <QFile>
@@ -21,8 +22,8 @@ void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
 } // namespace
 
 /*!
-    Runs without a GUI application on purpose: Qt's own opener, which might be "xdg-open" as well,
-    is then out of the way, and what a shim sees came from the handler.
+    Runs without a GUI application: Qt's own opener, which might be "xdg-open" as well, is then out
+    of the way, and what a shim sees came from the handler.
 */
 class tst_VTWebUrlHandler : public QObject
 {
@@ -34,7 +35,6 @@ private slots:
 
     void startsTheOpenerWithTheAddress_data();
     void startsTheOpenerWithTheAddress();
-    void startsTheOpenerOncePerAddress();
     void leavesOtherSchemesAlone_data();
     void leavesOtherSchemesAlone();
     void doesNotWaitForTheOpener();
@@ -89,23 +89,11 @@ void tst_VTWebUrlHandler::startsTheOpenerWithTheAddress()
     shims.add(Opener, "exit 0");
 
     QVERIFY(QDesktopServices::openUrl(QUrl(address)));
-
     QTRY_COMPARE(shims.calls(Opener), QList<QStringList>({QStringList(argument)}));
-}
-
-void tst_VTWebUrlHandler::startsTheOpenerOncePerAddress()
-{
-    ShimFolder shims;
-    shims.add(Opener, "exit 0");
-
-    QList<QStringList> expected;
-    for (int i = 0; i < 5; ++i) {
-        const QString address = QStringLiteral("https://hall.example/%1").arg(i);
-        expected.append({address});
-        QVERIFY(QDesktopServices::openUrl(QUrl(address)));
-        // A second start for an address before would show here, ahead of the next one.
-        QTRY_COMPARE(shims.calls(Opener), expected);
-    }
+    // A second start for it would show ahead of this one.
+    const QString last = QStringLiteral("https://hall.example/last");
+    QVERIFY(QDesktopServices::openUrl(QUrl(last)));
+    QTRY_COMPARE(shims.calls(Opener), QList<QStringList>({{argument}, {last}}));
 }
 
 void tst_VTWebUrlHandler::leavesOtherSchemesAlone_data()
@@ -127,6 +115,7 @@ void tst_VTWebUrlHandler::leavesOtherSchemesAlone()
 
     QVERIFY(!QDesktopServices::openUrl(QUrl(address)));
 
+    // A start for the address before would show ahead of this one.
     const QString last = QStringLiteral("https://hall.example/last");
     QVERIFY(QDesktopServices::openUrl(QUrl(last)));
     QTRY_COMPARE(shims.calls(Opener), QList<QStringList>({QStringList(last)}));
@@ -138,14 +127,13 @@ void tst_VTWebUrlHandler::doesNotWaitForTheOpener()
     // Goes on until the test has seen that openUrl() has returned.
     const QString goOn = shims.path() + QStringLiteral("/go-on");
     const QString ended = shims.path() + QStringLiteral("/ended");
-    shims.add(Opener, "until [ -e '" + goOn.toUtf8() + "' ]; do sleep 0.01; done\n: > '"
-                              + ended.toUtf8() + '\'');
+    shims.add(Opener, "for ((i = 0; i < 3000; ++i)); do [ ! -e '" + goOn.toUtf8()
+                              + "' ] || break; sleep 0.01; done\n: > '" + ended.toUtf8() + '\'');
 
     QVERIFY(QDesktopServices::openUrl(QUrl(QStringLiteral("https://hall.example/"))));
 
     QVERIFY(!QFile::exists(ended));
-    QFile file(goOn);
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    writeFile(goOn, QByteArray());
     QTRY_VERIFY(QFile::exists(ended));
 }
 

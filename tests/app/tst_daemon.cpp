@@ -1,4 +1,5 @@
 #include "app/daemon.h"
+#include "tests/support/files.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -22,18 +23,13 @@ class ExecutableOfDaemon
 {
 public:
     explicit ExecutableOfDaemon(const QByteArray &content)
-        : m_file(Daemon::executablePath())
     {
-        if (!m_file.open(QIODevice::WriteOnly) || m_file.write(content) < 0
-            || !m_file.setPermissions(QFile::ReadOwner | QFile::ExeOwner))
-            qFatal("can't write %s", qPrintable(m_file.fileName()));
-        m_file.close();
+        writeFile(Daemon::executablePath(), content);
+        if (!QFile::setPermissions(Daemon::executablePath(), QFile::ReadOwner | QFile::ExeOwner))
+            qFatal("can't make the daemon executable");
     }
-    ~ExecutableOfDaemon() { m_file.remove(); }
+    ~ExecutableOfDaemon() { QFile::remove(Daemon::executablePath()); }
     Q_DISABLE_COPY_MOVE(ExecutableOfDaemon)
-
-private:
-    QFile m_file;
 };
 
 } // namespace
@@ -103,13 +99,13 @@ void tst_daemon::readsTheAnswerOfTheProbe_data()
 {
     QTest::addColumn<QByteArray>("output");
     QTest::addColumn<int>("exitCode");
-    QTest::addColumn<bool>("isAnswer");
+    QTest::addColumn<bool>("daemonFound");
     QTest::addColumn<qint64>("pidOrZero");
     QTest::addColumn<OptionalPid>("singlePid");
 
-    const auto row = [](const char *name, const QByteArray &output, int exitCode, bool isAnswer,
+    const auto row = [](const char *name, const QByteArray &output, int exitCode, bool daemonFound,
                         qint64 pidOrZero, OptionalPid singlePid) {
-        QTest::newRow(name) << output << exitCode << isAnswer << pidOrZero << singlePid;
+        QTest::newRow(name) << output << exitCode << daemonFound << pidOrZero << singlePid;
     };
 
     row("one line", "1234\n", 0, true, 1234, 1234);
@@ -148,7 +144,7 @@ void tst_daemon::readsTheAnswerOfTheProbe()
     const QList<QVariant> result = {output, exitCode};
 
     QCOMPARE(Daemon::outputText(result), QString::fromUtf8(output));
-    QTEST(Daemon::isAnswer(result), "isAnswer");
+    QTEST(Daemon::daemonFound(result), "daemonFound");
     QTEST(Daemon::pidOrZero(result), "pidOrZero");
     QVERIFY(Daemon::singlePid(result) == singlePid);
 }
@@ -156,7 +152,7 @@ void tst_daemon::readsTheAnswerOfTheProbe()
 void tst_daemon::readsNothingOutOfAnEmptyResult()
 {
     QCOMPARE(Daemon::outputText({}), QString());
-    QVERIFY(!Daemon::isAnswer({}));
+    QVERIFY(!Daemon::daemonFound({}));
     QCOMPARE(Daemon::pidOrZero({}), 0LL);
     QVERIFY(!Daemon::singlePid({}));
     QCOMPARE(Daemon::UnknownPid, -1LL);
@@ -208,10 +204,8 @@ void tst_daemon::startsWhatIsThere()
 
     QVERIFY(pid);
     QTRY_VERIFY(QFile::exists(record));
-    QFile file(record);
-    QVERIFY(file.open(QIODevice::ReadOnly));
     const QString here = QFileInfo(QCoreApplication::applicationDirPath()).canonicalFilePath();
-    QCOMPARE(QString::fromLocal8Bit(file.readAll()).split(QLatin1Char('\n')),
+    QCOMPARE(QString::fromLocal8Bit(readFile(record)).split(QLatin1Char('\n')),
              (QStringList {QString::number(*pid), here, QStringLiteral("quickboot"), QString()}));
 }
 

@@ -1,5 +1,6 @@
 #include "app/executeInMain.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/files.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -104,13 +105,10 @@ void tst_executeInMain::yieldsNothingForWhatCantBeStarted()
     QFETCH(QString, program);
 
     const QTemporaryDir folder;
-    QFile plain(folder.filePath(QStringLiteral("plain-file")));
-    QVERIFY(plain.open(QIODevice::WriteOnly));
-    QFile script(folder.filePath(QStringLiteral("lost-script")));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/no/such/interpreter\n");
-    script.close();
-    QVERIFY(script.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const QString script = folder.filePath(QStringLiteral("lost-script"));
+    writeFile(folder.filePath(QStringLiteral("plain-file")), QByteArray());
+    writeFile(script, "#!/no/such/interpreter\n");
+    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
 
     QCOMPARE(executeInMain(folder.filePath(program), {}), QList<QVariant>());
     QCOMPARE(childProcesses(), QList<qint64>());

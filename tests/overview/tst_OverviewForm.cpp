@@ -1,22 +1,16 @@
 #include "overview/OverviewForm.h"
+#include "tests/overview/RunStatus.h"
 #include "tests/support/PrivateMember.h"
 #include "tests/support/ProcessCounters.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/rounds.h"
 #include "ui_OverviewForm.h"
 
-#include <QKeyEvent>
-#include <QSet>
-#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
 
-#include <sys/resource.h>
-
-struct LastPid : PrivateMember<LastPid, qint64, OverviewForm>
-{
-};
-template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
+#include <algorithm>
 
 struct ServiceItems : PrivateMember<ServiceItems, QMap<QString, QTreeWidgetItem *>, OverviewForm>
 {
@@ -39,7 +33,7 @@ struct Situation
     const char *psOutput;
     int psExitCode;
     qint64 lastPid;
-    //! The row's texts, parted by "|"; empty for no row.
+    //! The row's texts, separated by "|"; empty for no row.
     const char *row;
 };
 
@@ -74,7 +68,8 @@ const Situation Situations[] = {
         {"five fields", "55 Corvane\n", 0, "Corvane 55 alice 01:02:03 0.5\n", 0, 55, ""},
         {"seven fields", "56 Corvane\n", 0, "Corvane 56 alice 01:02:03 0.5 1.2 x\n", 0, 56, ""},
         {"two lines", "57 Corvane\n", 0, "Corvane 57 a b c d\nCorvane 58 e f g h\n", 0, 57, ""},
-        {"tabs part nothing", "58 Corvane\n", 0, "Corvane\t58 alice 01:02:03 0.5 1.2\n", 0, 58, ""},
+        {"tabs separate nothing", "58 Corvane\n", 0, "Corvane\t58 alice 01:02:03 0.5 1.2\n", 0, 58,
+         ""},
         {"tabs count as part of a field", "59 Corvane\n", 0, "Corvane 59 a\tb c 0.5 1.2\n", 0, 59,
          "Corvane|59|a\tb|c|0.5%|1.2%"},
         // The new-line that stands for a field is skipped, and still counts for the place.
@@ -86,9 +81,10 @@ const Situation Situations[] = {
          "Corvane|62|王小明|01:02|0,5%|1,2%"},
 };
 
-void refresh(OverviewForm &page)
+const Situation &named(const char *name)
 {
-    QVERIFY(QMetaObject::invokeMethod(&page, "syncOWInfo", Qt::DirectConnection));
+    return *std::find_if(std::begin(Situations), std::end(Situations),
+                         [name](const Situation &s) { return qstrcmp(s.name, name) == 0; });
 }
 
 } // namespace
@@ -108,23 +104,19 @@ private slots:
     void commands();
     void situations_data();
     void situations();
-    void pairsOfSituations_data();
-    void pairsOfSituations();
     void blanksAroundTheNumber();
     void failedPipelineIsNoAnswer();
     void outputThatReadsAsANumber();
-    void shellThatCantBeStarted();
     void timer();
     void syncTagsInfoChangesNothing();
     void rowLeavesNothingBehind();
     void onlyTheFirstRowLeaves();
     void columnCountDecides();
     void execute();
-    void enterIsOnePress();
 
 private:
     void arrange(const Situation &situation);
-    static void verify(const OverviewForm &page, const Situation &situation, qint64 formerPid);
+    static void verify(OverviewForm &page, const Situation &situation, qint64 formerPid);
 
     QScopedPointer<ShimFolder> m_shims;
 };
@@ -145,32 +137,10 @@ void tst_OverviewForm::arrange(const Situation &situation)
     m_shims->addPrinting(QStringLiteral("ps"), situation.psOutput, situation.psExitCode);
 }
 
-void tst_OverviewForm::verify(const OverviewForm &page, const Situation &situation,
-                              qint64 formerPid)
+void tst_OverviewForm::verify(OverviewForm &page, const Situation &situation, qint64 formerPid)
 {
-    const auto *tree = page.findChild<QTreeWidget *>(QStringLiteral("treeWidgetOW"));
-    const auto *notice = page.findChild<QLabel *>(QStringLiteral("labelNoService"));
-    const auto *error = page.findChild<QLabel *>(QStringLiteral("labelOWError"));
-    const bool hasRow = *situation.row != '\0';
-
-    QCOMPARE(LastPid::of(page), situation.lastPid == Kept ? formerPid : situation.lastPid);
-    QCOMPARE(tree->topLevelItemCount(), hasRow ? 1 : 0);
-    QCOMPARE(tree->minimumHeight(), hasRow ? 76 : 36);
-    QCOMPARE(tree->maximumHeight(), hasRow ? 76 : 36);
-    QCOMPARE(notice->isHidden(), hasRow);
-    QVERIFY(error->isHidden());
-    if (!hasRow)
-        return;
-
-    const QTreeWidgetItem *item = tree->topLevelItem(0);
-    QStringList texts;
-    for (int column = 0; column < tree->columnCount(); ++column) {
-        texts.append(item->text(column));
-        QCOMPARE(item->textAlignment(column), 0x84);
-    }
-    QCOMPARE(texts, QString::fromUtf8(situation.row).split(QLatin1Char('|')));
-    QCOMPARE(item->columnCount(), 6);
-    QCOMPARE(item->type(), 0);
+    verifyPage(page, situation.lastPid == Kept ? formerPid : situation.lastPid,
+               QString::fromUtf8(situation.row));
 }
 
 void tst_OverviewForm::shape()
@@ -258,61 +228,28 @@ void tst_OverviewForm::situations_data()
 void tst_OverviewForm::situations()
 {
     QFETCH(int, index);
-    arrange(Situations[index]);
-    const OverviewForm page;
-    verify(page, Situations[index], Unknown);
-}
-
-void tst_OverviewForm::pairsOfSituations_data()
-{
-    QTest::addColumn<int>("firstIndex");
-    QTest::addColumn<int>("secondIndex");
-
-    // One of each kind: lastPid set, kept or forgotten, with a row and without.
-    QVector<int> kinds;
-    const QSet<QByteArray> names {"nothing runs",
-                                  "pgrep fails with good output",
-                                  "ps fails with good output",
-                                  "garbage for a number",
-                                  "one daemon",
-                                  "another daemon",
-                                  "two daemons",
-                                  "two daemons and ps answers",
-                                  "ps is silent",
-                                  "five fields",
-                                  "seven fields"};
-    for (int i = 0; i < int(std::size(Situations)); ++i) {
-        if (names.contains(Situations[i].name))
-            kinds.append(i);
-    }
-    QCOMPARE(kinds.size(), names.size());
-
-    for (const int first : qAsConst(kinds)) {
-        for (const int second : qAsConst(kinds)) {
-            QTest::addRow("%s, then %s", Situations[first].name, Situations[second].name)
-                    << first << second;
-        }
-    }
-}
-
-void tst_OverviewForm::pairsOfSituations()
-{
-    QFETCH(int, firstIndex);
-    QFETCH(int, secondIndex);
-
-    arrange(Situations[firstIndex]);
+    const Situation &situation = Situations[index];
+    arrange(situation);
     OverviewForm page;
-    const qint64 formerPid = LastPid::of(page);
-    arrange(Situations[secondIndex]);
-    refresh(page);
-    verify(page, Situations[secondIndex], formerPid);
+    verify(page, situation, Unknown);
+
+    // Behind a row, and behind none.
+    for (const char *name : {"another daemon", "nothing runs"}) {
+        arrange(named(name));
+        refresh(page);
+        const qint64 formerPid = lastPid(page);
+        verify(page, named(name), formerPid);
+        arrange(situation);
+        refresh(page);
+        verify(page, situation, formerPid);
+    }
 }
 
 void tst_OverviewForm::blanksAroundTheNumber()
 {
     arrange(Situations[2]);
     m_shims->addPrinting(QStringLiteral("awk"), " \t 1234 \n\n");
-    const OverviewForm page;
+    OverviewForm page;
 
     verify(page, Situations[2], Unknown);
     QCOMPARE(m_shims->calls(QStringLiteral("awk")), (QList<QStringList> {{"{print $1}"}}));
@@ -322,7 +259,7 @@ void tst_OverviewForm::failedPipelineIsNoAnswer()
 {
     arrange(Situations[2]);
     OverviewForm page;
-    QCOMPARE(LastPid::of(page), 1234LL);
+    QCOMPARE(lastPid(page), 1234LL);
 
     m_shims->addPrinting(QStringLiteral("awk"), "1234\n", 3);
     m_shims->clearCalls();
@@ -341,34 +278,12 @@ void tst_OverviewForm::outputThatReadsAsANumber()
     m_shims->addPrinting(QStringLiteral("awk"), "99\n");
     m_shims->addPrinting(QStringLiteral("grep"), "42\n");
     refresh(page);
-    QCOMPARE(LastPid::of(page), 1234LL);
+    QCOMPARE(lastPid(page), 1234LL);
 
     m_shims->addPrinting(QStringLiteral("grep"), AliceLine, 5);
     refresh(page);
-    QCOMPARE(LastPid::of(page), 99LL);
+    QCOMPARE(lastPid(page), 99LL);
     QCOMPARE(m_shims->calls(QStringLiteral("grep")).constFirst(), (QStringList {"-w", "Corvane"}));
-}
-
-void tst_OverviewForm::shellThatCantBeStarted()
-{
-    arrange(Situations[2]);
-    OverviewForm page;
-    verify(page, Situations[2], Unknown);
-
-    // No more descriptors: the pipes to the shell can't be made.
-    rlimit former = {};
-    QCOMPARE(getrlimit(RLIMIT_NOFILE, &former), 0);
-    const rlimit none = {rlim_t(openDescriptors()), former.rlim_max};
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
-    refresh(page);
-    const QList<QVariant> result = page.execute(QStringLiteral("/bin/bash"), {"-c", "echo"});
-    QCOMPARE(setrlimit(RLIMIT_NOFILE, &former), 0);
-
-    QCOMPARE(result, QList<QVariant>());
-    verify(page, Situations[0], 1234);
-
-    refresh(page);
-    verify(page, Situations[2], Unknown);
 }
 
 void tst_OverviewForm::timer()
@@ -416,14 +331,11 @@ void tst_OverviewForm::rowLeavesNothingBehind()
 {
     arrange(Situations[2]);
     OverviewForm page;
-    // The first rounds fill caches of Qt and of the C library.
+    // The first refreshes fill caches of Qt and of the C library.
     for (int i = 0; i < 20; ++i)
         refresh(page);
 
-    // A few for every day; ten thousand where the variable asks for them.
-    bool isSet = false;
-    const int asked = qEnvironmentVariableIntValue("PANEL_TEST_ROUNDS", &isSet);
-    const int rounds = isSet ? asked : 200;
+    const int rounds = roundsOr(200);
     const int descriptors = openDescriptors();
     const int children = childProcesses().size();
     const int objects = page.findChildren<QObject *>().size();
@@ -434,7 +346,7 @@ void tst_OverviewForm::rowLeavesNothingBehind()
     QCOMPARE(openDescriptors(), descriptors);
     QCOMPARE(childProcesses().size(), children);
     QCOMPARE(page.findChildren<QObject *>().size(), objects);
-    // An item with its texts takes some hundred bytes: so few as 200 of them would be seen.
+    // An item with its texts takes some hundred bytes: 200 of them would show.
     QVERIFY2(heapBytesInUse() - bytes < 10000,
              qPrintable(QString::number(heapBytesInUse() - bytes)));
 }
@@ -463,7 +375,7 @@ void tst_OverviewForm::columnCountDecides()
     refresh(page);
 
     QVERIFY(!page.findChild<QLabel *>(QStringLiteral("labelNoService"))->isHidden());
-    QCOMPARE(LastPid::of(page), 1234LL);
+    QCOMPARE(lastPid(page), 1234LL);
 }
 
 void tst_OverviewForm::execute()
@@ -477,40 +389,6 @@ void tst_OverviewForm::execute()
     QCOMPARE(result.at(0).type(), QVariant::ByteArray);
     QCOMPARE(result.at(1).type(), QVariant::Int);
     QCOMPARE(page.execute(QStringLiteral("/nonexistent/program"), {}), QList<QVariant>());
-}
-
-void tst_OverviewForm::enterIsOnePress()
-{
-    arrange(Situations[0]);
-    OverviewForm page;
-    page.show();
-    QVERIFY(QTest::qWaitForWindowActive(&page));
-    auto *button = page.findChild<QPushButton *>(QStringLiteral("kqzsk"));
-    disconnect(button, &QPushButton::clicked, &page, nullptr);
-    const QSignalSpy clicks(button, &QPushButton::clicked);
-    const auto press = [](QWidget *target, Qt::KeyboardModifiers modifiers, bool isRepeat) {
-        QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, modifiers, QString(), isRepeat);
-        QCoreApplication::sendEvent(target, &event);
-    };
-
-    // Nothing has the focus: there is nothing to press.
-    if (page.focusWidget())
-        page.focusWidget()->clearFocus();
-    press(&page, Qt::NoModifier, false);
-    QCOMPARE(clicks.size(), 0);
-
-    button->setFocus();
-    press(button, Qt::NoModifier, false);
-    QCOMPARE(clicks.size(), 1);
-    // Held down, it repeats.
-    press(button, Qt::NoModifier, true);
-    QCOMPARE(clicks.size(), 1);
-    press(button, Qt::KeypadModifier, false);
-    QCOMPARE(clicks.size(), 2);
-    for (const Qt::KeyboardModifier other :
-         {Qt::ControlModifier, Qt::AltModifier, Qt::ShiftModifier})
-        press(button, other, false);
-    QCOMPARE(clicks.size(), 2);
 }
 
 QTEST_MAIN(tst_OverviewForm)

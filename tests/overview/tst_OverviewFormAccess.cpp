@@ -1,8 +1,8 @@
 #include "overview/OverviewForm.h"
+#include "tests/support/PaintCounter.h"
 #include "tests/support/ShimFolder.h"
 
 #include <QApplication>
-#include <QPaintEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -11,30 +11,7 @@
 
 #include <memory>
 
-namespace {
-
-//! What of a widget is painted while the object lives.
-class PaintedRegion : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit PaintedRegion(QWidget *widget) { widget->installEventFilter(this); }
-
-    QRegion region;
-
-protected:
-    bool eventFilter(QObject * /*watched*/, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            region += static_cast<QPaintEvent *>(event)->region();
-        return false;
-    }
-};
-
-} // namespace
-
-//! What those find who can't see the page, or have no pointer.
+//! The page for assistive tools and the keyboard.
 class tst_OverviewFormAccess : public QObject
 {
     Q_OBJECT
@@ -48,8 +25,8 @@ private slots:
     void focusIsARing_data();
     void focusIsARing();
     void ringFollowsTheFocus();
-    void enterEndsAtTheButton_data();
-    void enterEndsAtTheButton();
+    void enterIsOnePress_data();
+    void enterIsOnePress();
     void otherKeysAreLeftToOthers();
 
 private:
@@ -150,17 +127,17 @@ void tst_OverviewFormAccess::ringFollowsTheFocus()
     QPushButton *former = focus(QStringLiteral("kqfwdt"));
     QVERIFY(former->hasFocus());
     QCoreApplication::processEvents();
-    PaintedRegion painted(m_page.get());
+    const PaintCounter painted;
 
     latter->setFocus();
 
     for (const QPushButton *button : {former, latter}) {
         const QPoint ring = button->mapTo(m_page.get(), QPoint(-2, 10));
-        QTRY_VERIFY(painted.region.contains(ring));
+        QTRY_VERIFY(painted.regions.value(m_page.get()).contains(ring));
     }
 }
 
-void tst_OverviewFormAccess::enterEndsAtTheButton_data()
+void tst_OverviewFormAccess::enterIsOnePress_data()
 {
     QTest::addColumn<Qt::Key>("key");
 
@@ -168,18 +145,33 @@ void tst_OverviewFormAccess::enterEndsAtTheButton_data()
     QTest::newRow("Enter") << Qt::Key_Enter;
 }
 
-void tst_OverviewFormAccess::enterEndsAtTheButton()
+void tst_OverviewFormAccess::enterIsOnePress()
 {
     QFETCH(const Qt::Key, key);
-    QPushButton *button = focus(QStringLiteral("kqfwdt"));
+    QPushButton *button = focus(QStringLiteral("kqzsk"));
     QVERIFY(button->hasFocus());
-    const QSignalSpy clicked(button, &QPushButton::clicked);
-    QKeyEvent heldDown(QEvent::KeyPress, key, Qt::NoModifier, QStringLiteral("\r"), true);
+    disconnect(button, &QPushButton::clicked, m_page.get(), nullptr);
+    const QSignalSpy clicks(button, &QPushButton::clicked);
+    const auto press = [key](QWidget *target, Qt::KeyboardModifiers modifiers, bool isRepeat) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, QStringLiteral("\r"), isRepeat);
+        QCoreApplication::sendEvent(target, &event);
+        return event.isAccepted();
+    };
 
-    QCoreApplication::sendEvent(button, &heldDown);
-
-    QVERIFY(heldDown.isAccepted());
-    QCOMPARE(clicked.count(), 0);
+    QVERIFY(press(button, Qt::NoModifier, false));
+    QCOMPARE(clicks.size(), 1);
+    // Held down, it repeats.
+    QVERIFY(press(button, Qt::NoModifier, true));
+    QCOMPARE(clicks.size(), 1);
+    press(button, Qt::KeypadModifier, false);
+    QCOMPARE(clicks.size(), 2);
+    for (const Qt::KeyboardModifier other :
+         {Qt::ControlModifier, Qt::AltModifier, Qt::ShiftModifier})
+        press(button, other, false);
+    // Nothing has the focus: there is nothing to press.
+    button->clearFocus();
+    press(m_page.get(), Qt::NoModifier, false);
+    QCOMPARE(clicks.size(), 2);
 }
 
 void tst_OverviewFormAccess::otherKeysAreLeftToOthers()

@@ -4,10 +4,6 @@
 
 #include <QTest>
 
-#include <algorithm>
-#include <array>
-#include <functional>
-
 namespace {
 
 const char *const TitleSheet = "font-size:14px;\nfont-weight:bold;";
@@ -104,91 +100,59 @@ void tst_OverviewFormLayout::objectName()
 
 void tst_OverviewFormLayout::members()
 {
-    // The places of the members in the object tell the order of their declaration.
-    const std::array<const void *, 38> places = {&m_ui.verticalLayout_6,
-                                                 &m_ui.horizontalLayout,
-                                                 &m_ui.labelOW,
-                                                 &m_ui.labelOWError,
-                                                 &m_ui.horizontalSpacer,
-                                                 &m_ui.verticalLayout,
-                                                 &m_ui.treeWidgetOW,
-                                                 &m_ui.labelNoService,
-                                                 &m_ui.line,
-                                                 &m_ui.frameService,
-                                                 &m_ui.verticalLayout_3,
-                                                 &m_ui.horizontalLayout_2,
-                                                 &m_ui.labelTag,
-                                                 &m_ui.labelTagError,
-                                                 &m_ui.horizontalSpacer_2,
-                                                 &m_ui.verticalLayout_2,
-                                                 &m_ui.treeWidgetTag,
-                                                 &m_ui.labelNoTag,
-                                                 &m_ui.lineService,
-                                                 &m_ui.frameWebsite,
-                                                 &m_ui.verticalLayout_4,
-                                                 &m_ui.horizontalLayout_3,
-                                                 &m_ui.label,
-                                                 &m_ui.horizontalSpacer_3,
-                                                 &m_ui.horizontalLayout_4,
-                                                 &m_ui.kqfwdt,
-                                                 &m_ui.kqzsk,
-                                                 &m_ui.horizontalSpacer_4,
-                                                 &m_ui.line_3,
-                                                 &m_ui.frameRepair,
-                                                 &m_ui.verticalLayout_5,
-                                                 &m_ui.horizontalLayout_5,
-                                                 &m_ui.label_2,
-                                                 &m_ui.horizontalSpacer_5,
-                                                 &m_ui.horizontalLayout_6,
-                                                 &m_ui.xfkqfw,
-                                                 &m_ui.horizontalSpacer_6,
-                                                 &m_ui.verticalSpacer};
-    QVERIFY(std::is_sorted(places.cbegin(), places.cend(), std::less<>()));
-    // And there are no others.
-    QCOMPARE(sizeof(Ui_OverviewForm), places.size() * sizeof(void *));
+    const auto *const expected =
+            "verticalLayout_6 horizontalLayout labelOW labelOWError spacer verticalLayout "
+            "treeWidgetOW labelNoService line frameService verticalLayout_3 "
+            "horizontalLayout_2 labelTag labelTagError spacer verticalLayout_2 treeWidgetTag "
+            "labelNoTag lineService frameWebsite verticalLayout_4 horizontalLayout_3 label "
+            "spacer horizontalLayout_4 kqfwdt kqzsk spacer line_3 frameRepair "
+            "verticalLayout_5 horizontalLayout_5 label_2 spacer horizontalLayout_6 xfkqfw "
+            "spacer spacer";
+    QCOMPARE(formMembers(&m_ui, sizeof m_ui, *m_form).join(QLatin1Char(' ')),
+             QString::fromLatin1(expected));
 }
 
 void tst_OverviewFormLayout::layouts()
 {
-    const QString expected = QStringLiteral("QVBoxLayout verticalLayout_6\n"
-                                            "  QHBoxLayout horizontalLayout spacing 0\n"
-                                            "    QLabel labelOW\n"
-                                            "    QLabel labelOWError\n"
-                                            "    spacer 40x20 Expanding Minimum\n"
-                                            "  QVBoxLayout verticalLayout spacing 0\n"
-                                            "    QTreeWidget treeWidgetOW\n"
-                                            "    QLabel labelNoService\n"
-                                            "  QFrame line\n"
-                                            "  QFrame frameService\n"
-                                            "    QVBoxLayout verticalLayout_3 margins 0,0,0,0\n"
-                                            "      QHBoxLayout horizontalLayout_2 spacing 0\n"
-                                            "        QLabel labelTag\n"
-                                            "        QLabel labelTagError\n"
-                                            "        spacer 40x20 Expanding Minimum\n"
-                                            "      QVBoxLayout verticalLayout_2 spacing 0\n"
-                                            "        QTreeWidget treeWidgetTag\n"
-                                            "        QLabel labelNoTag\n"
-                                            "  QFrame lineService\n"
-                                            "  QFrame frameWebsite\n"
-                                            "    QVBoxLayout verticalLayout_4 margins 0,0,0,0\n"
-                                            "      QHBoxLayout horizontalLayout_3\n"
-                                            "        QLabel label\n"
-                                            "        spacer 40x20 Expanding Minimum\n"
-                                            "      QHBoxLayout horizontalLayout_4 spacing 20\n"
-                                            "        QPushButton kqfwdt\n"
-                                            "        QPushButton kqzsk\n"
-                                            "        spacer 40x20 Expanding Minimum\n"
-                                            "  QFrame line_3\n"
-                                            "  QFrame frameRepair\n"
-                                            "    QVBoxLayout verticalLayout_5 margins 0,0,0,0\n"
-                                            "      QHBoxLayout horizontalLayout_5\n"
-                                            "        QLabel label_2\n"
-                                            "        spacer 40x20 Expanding Minimum\n"
-                                            "      QHBoxLayout horizontalLayout_6 spacing 20\n"
-                                            "        QPushButton xfkqfw\n"
-                                            "        spacer 40x20 Expanding Minimum\n"
-                                            "  spacer 20x40 Minimum Expanding\n");
-    QCOMPARE(dumpLayout(*m_form), expected);
+    const char *const expected = "QVBoxLayout verticalLayout_6\n"
+                                 "  QHBoxLayout horizontalLayout spacing 0\n"
+                                 "    QLabel labelOW\n"
+                                 "    QLabel labelOWError\n"
+                                 "    spacer 40x20 Expanding Minimum\n"
+                                 "  QVBoxLayout verticalLayout spacing 0\n"
+                                 "    QTreeWidget treeWidgetOW\n"
+                                 "    QLabel labelNoService\n"
+                                 "  QFrame line\n"
+                                 "  QFrame frameService\n"
+                                 "    QVBoxLayout verticalLayout_3 margins 0,0,0,0\n"
+                                 "      QHBoxLayout horizontalLayout_2 spacing 0\n"
+                                 "        QLabel labelTag\n"
+                                 "        QLabel labelTagError\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QVBoxLayout verticalLayout_2 spacing 0\n"
+                                 "        QTreeWidget treeWidgetTag\n"
+                                 "        QLabel labelNoTag\n"
+                                 "  QFrame lineService\n"
+                                 "  QFrame frameWebsite\n"
+                                 "    QVBoxLayout verticalLayout_4 margins 0,0,0,0\n"
+                                 "      QHBoxLayout horizontalLayout_3\n"
+                                 "        QLabel label\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_4 spacing 20\n"
+                                 "        QPushButton kqfwdt\n"
+                                 "        QPushButton kqzsk\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "  QFrame line_3\n"
+                                 "  QFrame frameRepair\n"
+                                 "    QVBoxLayout verticalLayout_5 margins 0,0,0,0\n"
+                                 "      QHBoxLayout horizontalLayout_5\n"
+                                 "        QLabel label_2\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_6 spacing 20\n"
+                                 "        QPushButton xfkqfw\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "  spacer 20x40 Minimum Expanding\n";
+    QCOMPARE(dumpLayout(*m_form), QString::fromLatin1(expected));
 
     // The members point at what bears their name.
     QCOMPARE(m_ui.horizontalSpacer, m_ui.horizontalLayout->itemAt(2));
@@ -318,7 +282,7 @@ void tst_OverviewFormLayout::tables()
 void tst_OverviewFormLayout::buttons_data()
 {
     QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("picture");
+    QTest::addColumn<QString>("icon");
 
     QTest::newRow("kqfwdt") << QStringLiteral(" 朔川服务大厅")
                             << QStringLiteral(":/client/resources/dt.ico");
@@ -331,7 +295,7 @@ void tst_OverviewFormLayout::buttons_data()
 void tst_OverviewFormLayout::buttons()
 {
     QFETCH(QString, text);
-    QFETCH(QString, picture);
+    QFETCH(QString, icon);
 
     const auto *button =
             m_form->findChild<QPushButton *>(QString::fromLatin1(QTest::currentDataTag()));
@@ -345,28 +309,20 @@ void tst_OverviewFormLayout::buttons()
 
     const QImage shown = button->icon().pixmap(32, 32, QIcon::Normal, QIcon::Off).toImage();
     QVERIFY(!shown.isNull());
-    QCOMPARE(shown, QIcon(picture).pixmap(32, 32, QIcon::Normal, QIcon::Off).toImage());
+    QCOMPARE(shown, QIcon(icon).pixmap(32, 32, QIcon::Normal, QIcon::Off).toImage());
 }
 
 void tst_OverviewFormLayout::textsAreTranslatable()
 {
+    QStringList expected = formTexts(*m_form);
+    // The title, eight labels and three buttons.
+    QCOMPARE(expected.size(), 12);
+    for (QString &text : expected)
+        text = QStringLiteral("OverviewForm|%1|").arg(text);
     AskingTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
     m_ui.retranslateUi(m_form);
-    QCoreApplication::removeTranslator(&translator);
-
-    QCOMPARE(m_form->windowTitle(), QStringLiteral("OverviewForm|Form|"));
-    QCOMPARE(m_ui.labelOW->text(), QStringLiteral("OverviewForm|运行概况|"));
-    QCOMPARE(m_ui.labelOWError->text(), QStringLiteral("OverviewForm|(未运行)|"));
-    QCOMPARE(m_ui.labelNoService->text(), QStringLiteral("OverviewForm|统一服务未启动|"));
-    QCOMPARE(m_ui.labelTag->text(), QStringLiteral("OverviewForm|服务节点|"));
-    QCOMPARE(m_ui.labelTagError->text(), QStringLiteral("OverviewForm|(未注册)|"));
-    QCOMPARE(m_ui.labelNoTag->text(), QStringLiteral("OverviewForm|无服务节点|"));
-    QCOMPARE(m_ui.label->text(), QStringLiteral("OverviewForm|常用网站|"));
-    QCOMPARE(m_ui.kqfwdt->text(), QStringLiteral("OverviewForm| 朔川服务大厅|"));
-    QCOMPARE(m_ui.kqzsk->text(), QStringLiteral("OverviewForm| 朔川知识库|"));
-    QCOMPARE(m_ui.label_2->text(), QStringLiteral("OverviewForm|软件修复|"));
-    QCOMPARE(m_ui.xfkqfw->text(), QStringLiteral("OverviewForm| 修复朔川服务|"));
+    QCOMPARE(formTexts(*m_form), expected);
     // The placeholder column titles are not for translators.
     QCOMPARE(m_ui.treeWidgetOW->headerItem()->text(0), QStringLiteral("1"));
 }

@@ -1,8 +1,9 @@
 #include "overview/OverviewForm.h"
+#include "tests/overview/RunStatus.h"
+#include "tests/support/PaintCounter.h"
 #include "tests/support/ShimFolder.h"
 
 #include <QAbstractEventDispatcher>
-#include <QHash>
 #include <QHeaderView>
 #include <QTest>
 #include <QTimer>
@@ -11,25 +12,6 @@
 #include <memory>
 
 namespace {
-
-//! Counts the paint events of each widget while it lives.
-class PaintCounter : public QObject
-{
-    Q_OBJECT
-
-public:
-    PaintCounter() { qApp->installEventFilter(this); }
-
-    QHash<const QObject *, int> paints;
-
-protected:
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            ++paints[object];
-        return false;
-    }
-};
 
 void handleEvents()
 {
@@ -51,7 +33,6 @@ private slots:
 
 private:
     void showPage();
-    void refresh() { QVERIFY(QMetaObject::invokeMethod(m_page.get(), "syncOWInfo")); }
 
     std::unique_ptr<ShimFolder> m_shims;
     std::unique_ptr<OverviewForm> m_page;
@@ -81,7 +62,7 @@ void tst_OverviewFormRepaint::showPage()
     m_page->setAttribute(Qt::WA_DontShowOnScreen);
     m_page->show();
     // The first refresh of a shown page finds what the showing left to do.
-    refresh();
+    refresh(*m_page);
     handleEvents();
 }
 
@@ -90,7 +71,7 @@ void tst_OverviewFormRepaint::runningDaemonRepaintsTheTableOnce()
     showPage();
     const PaintCounter counter;
 
-    refresh();
+    refresh(*m_page);
     QTRY_VERIFY(counter.paints.value(m_tree->viewport()) > 0);
     handleEvents();
 
@@ -106,7 +87,7 @@ void tst_OverviewFormRepaint::absentDaemonRepaintsNothing()
     QCOMPARE(m_tree->topLevelItemCount(), 0);
     const PaintCounter counter;
 
-    refresh();
+    refresh(*m_page);
     handleEvents();
 
     QCOMPARE(counter.paints.size(), 0);

@@ -1,5 +1,5 @@
 #include "overview/OverviewForm.h"
-#include "tests/support/PrivateMember.h"
+#include "tests/overview/RunStatus.h"
 #include "tests/support/ShimFolder.h"
 
 #include <QApplication>
@@ -8,11 +8,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-
-struct LastPid : PrivateMember<LastPid, qint64, OverviewForm>
-{
-};
-template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
 
 namespace {
 
@@ -34,7 +29,7 @@ void noteCursor(QtMsgType type, const QMessageLogContext &context, const QString
 
 /*!
     What a repair makes of lastPid and of the probe's answer, with tools that answer as told. The
-    whole road, with real daemons, is tested on the whole program.
+    whole flow, with real daemons, is tested on the whole program.
 */
 class tst_RepairDecision : public QObject
 {
@@ -89,7 +84,7 @@ void tst_RepairDecision::decides()
     page.findChild<QTimer *>()->stop();
     shims.addPrinting(QStringLiteral("awk"), probeOutput, probeExitCode);
     shims.clearCalls();
-    LastPid::of(page) = lastPid;
+    ::lastPid(page) = lastPid;
 
     struct Box
     {
@@ -140,7 +135,7 @@ void tst_RepairDecision::decides()
     QCOMPARE(shown.parent, &page);
     QCOMPARE(shown.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QVERIFY(!shown.hasOverrideCursor);
-    QCOMPARE(LastPid::of(page), lastPid);
+    QCOMPARE(::lastPid(page), lastPid);
     QCOMPARE(shims.calls(QStringLiteral("pgrep")).size(), isRepair ? 1 : 0);
     QVERIFY2(clock.elapsed() >= (isRepair ? 5000 : 2000),
              qPrintable(QString::number(clock.elapsed())));

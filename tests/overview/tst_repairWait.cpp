@@ -22,24 +22,16 @@ class tst_repairWait : public QObject
     Q_OBJECT
 
 private slots:
-    void drawsAsDesigned_data();
     void drawsAsDesigned();
     void coversTheWholeRange();
 };
 
-void tst_repairWait::drawsAsDesigned_data()
-{
-    QTest::addColumn<quint32>("value");
-
-    for (const quint32 value : {0U, 1U, 2U, 1000U, 0x7fffffffU, 0x80000000U, 0xffffffffU})
-        QTest::addRow("%u", value) << value;
-}
-
 void tst_repairWait::drawsAsDesigned()
 {
-    QFETCH(quint32, value);
-    QCOMPARE(repairWaitSeconds(value), expectedSeconds(value));
-    QCOMPARE(repairWaitSeconds(value), repairWaitSeconds(value));
+    for (const quint32 value : {0x7fffffffU, 0x80000000U, 0xffffffffU}) {
+        QCOMPARE(repairWaitSeconds(value), expectedSeconds(value));
+        QCOMPARE(repairWaitSeconds(value), repairWaitSeconds(value));
+    }
 }
 
 void tst_repairWait::coversTheWholeRange()

@@ -5,9 +5,6 @@
 #include <QMessageBox>
 #include <QTest>
 
-#include <optional>
-#include <vector>
-
 namespace {
 
 const auto Title = QStringLiteral("修复朔川服务");
@@ -20,44 +17,9 @@ const auto Table = QStringLiteral("treeWidgetOW");
 
 constexpr int BoxTimeoutMs = 25000;
 
-//! What a repair finds that can't succeed.
-struct Obstacle
-{
-    const char *name;
-    bool isPlaced;
-    bool isExecutable;
-    //! What the daemon is told, if anything.
-    const char *setting;
-    const char *value;
-};
-
-// The one whose daemon lives longest comes first: no other panel is there yet to see it.
-const Obstacle Obstacles[] = {
-        {"exits before the check", true, true, "CORVANE_EXIT_AFTER_MS", "1500"},
-        {"exits at once", true, true, "CORVANE_REFUSE", "1"},
-        {"executable missing", false, false, nullptr, nullptr},
-        {"not executable", true, false, nullptr, nullptr},
-};
-
-//! Whether the X server shows a message box of \a panel, which itself isn't asked: it may be busy.
-bool showsBox(const PanelProcess &panel)
-{
-    QProcess search;
-    search.start(QStringLiteral("xdotool"),
-                 {QStringLiteral("search"), QStringLiteral("--all"),
-                  QStringLiteral("--onlyvisible"), QStringLiteral("--pid"),
-                  QString::number(panel.pid()), QStringLiteral("--name"), Title});
-    return search.waitForFinished() && search.exitCode() == 0;
-}
-
 } // namespace
 
-/*!
-    The repair as a user has it: the whole program, a real daemon, the mouse and the keyboard.
-
-    The repairs that fail, each of which takes many seconds, wait side by side, each panel in a
-    folder of its own: no daemon runs for any of them. All others have the system to themselves.
-*/
+//! The repair as a user has it: the whole program, a real daemon, the mouse and the keyboard.
 class tst_Repair : public QObject
 {
     Q_OBJECT
@@ -65,7 +27,6 @@ class tst_Repair : public QObject
 private slots:
     void init();
     void cleanup();
-    void cleanupTestCase();
 
     void runningDaemonIsLeftAlone();
     void absentDaemonIsStarted();
@@ -73,27 +34,13 @@ private slots:
     void failures();
 
 private:
-    //! A repair that fails, from its click on.
-    struct Attempt
-    {
-        std::unique_ptr<PanelProcess> panel;
-        int formerLines = 0;
-        QElapsedTimer clock;
-        //! When its box was there, by the clock.
-        std::optional<qint64> boxAfterMs;
-    };
-
-    //! The pointer's picture over a widget that has the mouse.
+    //! The pointer's image over a widget that has the mouse.
     QImage cursorOver(const QString &widget);
     //! Waits for the box and compares all of it.
     static void verifyBox(PanelProcess &panel, const QString &text, QMessageBox::Icon icon);
     static void verifyLog(const PanelProcess &panel, int formerLines, qint64 elapsedMs);
-    static void start(Attempt &attempt, const Obstacle &obstacle);
-    void waitForAllBoxes();
 
     std::unique_ptr<PanelProcess> m_panel;
-    //! One for each obstacle, in their order; empty before the first of them is judged.
-    std::vector<Attempt> m_attempts;
 };
 
 void tst_Repair::init()
@@ -104,11 +51,6 @@ void tst_Repair::init()
 void tst_Repair::cleanup()
 {
     m_panel.reset();
-}
-
-void tst_Repair::cleanupTestCase()
-{
-    m_attempts.clear();
 }
 
 QImage tst_Repair::cursorOver(const QString &widget)
@@ -152,14 +94,14 @@ void tst_Repair::runningDaemonIsLeftAlone()
     QCOMPARE(daemons.size(), 1);
     const int formerLines = m_panel->errorLines().size();
 
-    const QImage cursorAtRest = cursorOver(RepairButton);
+    const QImage usualCursor = cursorOver(RepairButton);
     QElapsedTimer clock;
     clock.start();
     PanelProcess::clickAt(m_panel->globalRect(RepairButton).center());
-    QTRY_VERIFY(shownCursor() != cursorAtRest);
+    QTRY_VERIFY(shownCursor() != usualCursor);
     verifyBox(*m_panel, Fine, QMessageBox::Information);
     QVERIFY2(clock.elapsed() >= 2000, qPrintable(QString::number(clock.elapsed())));
-    QTRY_COMPARE(shownCursor(), cursorAtRest);
+    QTRY_COMPARE(shownCursor(), usualCursor);
 
     QCOMPARE(m_panel->daemonPids(), daemons);
     QCOMPARE(m_panel->errorLines().size(), formerLines);
@@ -179,12 +121,12 @@ void tst_Repair::absentDaemonIsStarted()
     // It is slow to start, too: only the check at the end of the wait finds it.
     m_panel->configureDaemon("CORVANE_APPEAR_AFTER_MS", "3000");
 
-    const QImage cursorAtRest = cursorOver(RepairButton);
+    const QImage usualCursor = cursorOver(RepairButton);
     const QPoint place = m_panel->globalRect(RepairButton).center();
     QElapsedTimer clock;
     clock.start();
     PanelProcess::clickAt(place);
-    QTRY_VERIFY(shownCursor() != cursorAtRest);
+    QTRY_VERIFY(shownCursor() != usualCursor);
     QTRY_VERIFY(m_panel->hasDaemonRecord());
     // A second click while the first is at work.
     PanelProcess::clickAt(place);
@@ -192,11 +134,11 @@ void tst_Repair::absentDaemonIsStarted()
     QCOMPARE(m_panel->daemonRecord(QStringLiteral("argument")),
              (QStringList {m_panel->daemonPath(), QStringLiteral("quickboot")}));
     QCOMPARE(m_panel->daemonRecord(QStringLiteral("directory")), QStringList(m_panel->folder()));
-    QVERIFY(shownCursor() != cursorAtRest);
+    QVERIFY(shownCursor() != usualCursor);
 
     verifyBox(*m_panel, Repaired, QMessageBox::Information);
     verifyLog(*m_panel, formerLines, clock.elapsed());
-    QTRY_COMPARE(shownCursor(), cursorAtRest);
+    QTRY_COMPARE(shownCursor(), usualCursor);
     const QList<qint64> daemons = m_panel->daemonPids();
     QCOMPARE(daemons.size(), 1);
     QCOMPARE(m_panel->daemonRecord(QStringLiteral("pid")),
@@ -217,66 +159,31 @@ void tst_Repair::absentDaemonIsStarted()
     QCOMPARE(m_panel->errorLines().size(), formerLines + 2);
 }
 
-void tst_Repair::start(Attempt &attempt, const Obstacle &obstacle)
-{
-    attempt.panel = std::make_unique<PanelProcess>();
-    PanelProcess &panel = *attempt.panel;
-    QVERIFY(panel.start());
-    attempt.formerLines = panel.errorLines().size();
-    if (obstacle.isPlaced)
-        panel.placeDaemon();
-    if (obstacle.isPlaced && !obstacle.isExecutable)
-        QVERIFY(QFile::setPermissions(panel.daemonPath(), QFile::ReadOwner | QFile::WriteOwner));
-    if (obstacle.setting)
-        panel.configureDaemon(obstacle.setting, obstacle.value);
-
-    attempt.clock.start();
-    panel.click(RepairButton);
-    // Both lines are written before the wait.
-    QTRY_COMPARE_WITH_TIMEOUT(panel.errorLines().size(), attempt.formerLines + 2, BoxTimeoutMs);
-    if (obstacle.isExecutable)
-        QTRY_VERIFY_WITH_TIMEOUT(panel.hasDaemonRecord(), BoxTimeoutMs);
-    QTRY_COMPARE_WITH_TIMEOUT(panel.daemonPids(), QList<qint64>(), BoxTimeoutMs);
-}
-
-void tst_Repair::waitForAllBoxes()
-{
-    const auto hasAll = [this] {
-        bool result = true;
-        for (Attempt &attempt : m_attempts) {
-            if (!attempt.boxAfterMs && showsBox(*attempt.panel))
-                attempt.boxAfterMs = attempt.clock.elapsed();
-            result = result && attempt.boxAfterMs;
-        }
-        return result;
-    };
-    QVERIFY(QTest::qWaitFor(hasAll, BoxTimeoutMs));
-}
-
 void tst_Repair::failures_data()
 {
-    QTest::addColumn<int>("index");
+    QTest::addColumn<bool>("isPlaced");
 
-    for (int i = 0; i < int(std::size(Obstacles)); ++i)
-        QTest::newRow(Obstacles[i].name) << i;
+    QTest::newRow("executable missing") << false;
+    QTest::newRow("exits before the check") << true;
 }
 
 void tst_Repair::failures()
 {
-    QFETCH(int, index);
-    if (m_attempts.empty()) {
-        m_attempts.resize(std::size(Obstacles));
-        for (size_t i = 0; i < m_attempts.size() && !QTest::currentTestFailed(); ++i)
-            start(m_attempts.at(i), Obstacles[i]);
-        if (!QTest::currentTestFailed())
-            waitForAllBoxes();
+    QFETCH(bool, isPlaced);
+    QVERIFY(m_panel->start());
+    const int formerLines = m_panel->errorLines().size();
+    if (isPlaced) {
+        m_panel->placeDaemon();
+        m_panel->configureDaemon("CORVANE_EXIT_AFTER_MS", "1500");
     }
-    Attempt &attempt = m_attempts.at(size_t(index));
-    QVERIFY(attempt.boxAfterMs);
 
-    verifyBox(*attempt.panel, Failed, QMessageBox::Warning);
-    verifyLog(*attempt.panel, attempt.formerLines, *attempt.boxAfterMs);
-    QCOMPARE(attempt.panel->hasDaemonRecord(), Obstacles[index].isExecutable);
+    QElapsedTimer clock;
+    clock.start();
+    m_panel->click(RepairButton);
+    verifyBox(*m_panel, Failed, QMessageBox::Warning);
+    verifyLog(*m_panel, formerLines, clock.elapsed());
+    QCOMPARE(m_panel->hasDaemonRecord(), isPlaced);
+    QCOMPARE(m_panel->daemonPids(), QList<qint64>());
 }
 
 QTEST_MAIN(tst_Repair)

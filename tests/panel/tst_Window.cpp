@@ -1,9 +1,9 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/ServerWindow.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QScreen>
 #include <QTest>
 #include <QWidget>
@@ -55,11 +55,8 @@ private slots:
     void placeAndSize();
     void dragsByTheHeaderOnly_data();
     void dragsByTheHeaderOnly();
-    void otherButtonsDontDrag();
     void followsThePointerInFastDrags();
     void closesByItsButtonAfterADrag();
-    void doubleClickChangesNothing();
-    void keyboardAndWheelOnThePage();
     void repairsWhileCovered();
 
 private:
@@ -113,16 +110,7 @@ QPoint tst_Window::position()
 
 QPoint tst_Window::placeOnTheServer()
 {
-    QProcess process;
-    process.start(QStringLiteral("xwininfo"),
-                  {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))});
-    if (!process.waitForFinished() || process.exitCode() != 0)
-        return {};
-    const QString text = QString::fromLocal8Bit(process.readAllStandardOutput());
-    const QRegularExpression corner(QStringLiteral("Absolute upper-left X: +(-?\\d+)\\s+"
-                                                   "Absolute upper-left Y: +(-?\\d+)"));
-    const QRegularExpressionMatch match = corner.match(text);
-    return {match.captured(1).toInt(), match.captured(2).toInt()};
+    return serverWindow(m_panel->windowId(Window)).geometry.topLeft();
 }
 
 QPoint tst_Window::drag(const QPoint &grip, const QPoint &way)
@@ -194,20 +182,6 @@ void tst_Window::dragsByTheHeaderOnly()
     QCOMPARE(m_panel->globalRect(Window).size(), QSize(800, 600));
 }
 
-void tst_Window::otherButtonsDontDrag()
-{
-    const QPoint before = position();
-    for (const int button : {2, 3}) {
-        PanelProcess::moveMouse(before + Grip);
-        PanelProcess::pressButton(button);
-        PanelProcess::moveMouse(before + Grip + QPoint(40, 40));
-        PanelProcess::releaseButton(button);
-    }
-    // A drag with the left button still starts from the same place.
-    QCOMPARE(position(), before);
-    QCOMPARE(drag(Grip, QPoint(11, 7)), QPoint(11, 7));
-}
-
 void tst_Window::followsThePointerInFastDrags()
 {
     QPoint from = position() + Grip;
@@ -246,46 +220,6 @@ void tst_Window::closesByItsButtonAfterADrag()
 
     PanelProcess::clickAt(position() + CloseButton);
     QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
-}
-
-void tst_Window::doubleClickChangesNothing()
-{
-    const QRect before = m_panel->globalRect(Window);
-    runInOneGo(moveTo(before.topLeft() + Grip) + QStringList {"click", "--repeat", "2", "1"});
-
-    // What comes behind it is served as ever.
-    QCOMPARE(drag(Grip, QPoint(21, 13)), QPoint(21, 13));
-    QCOMPARE(m_panel->globalRect(Window), before.translated(21, 13));
-    QCOMPARE(m_panel->property(Window, "maximized").toBool(), false);
-}
-
-void tst_Window::keyboardAndWheelOnThePage()
-{
-    const QString focus = QStringLiteral("focus");
-    PanelProcess::clickAt(position() + QPoint(600, 500));
-    QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
-
-    // Once around by Tab comes by the three buttons in reading order.
-    QStringList passed;
-    for (int i = 0; i < 12 && passed.size() < 3; ++i) {
-        const QString former = m_panel->application(focus).toString();
-        PanelProcess::pressKeys("Tab");
-        QTRY_VERIFY(m_panel->application(focus).toString() != former);
-        const QString name = m_panel->application(focus).toString();
-        if (m_panel->describe(name).value(QStringLiteral("class")).toString()
-            == QLatin1String("QPushButton"))
-            passed.append(name);
-    }
-    QCOMPARE(passed, (QStringList {"kqfwdt", "kqzsk", "xfkqfw"}));
-
-    // There is nothing to scroll, and nothing that the wheel could change.
-    const QImage before = m_panel->grab(QStringLiteral("labelOW"));
-    PanelProcess::moveMouse(m_panel->globalRect(QStringLiteral("treeWidgetOW")).center());
-    runInOneGo({"click", "--repeat", "3", "5", "click", "--repeat", "2", "4"});
-    PanelProcess::pressKeys("shift+Tab");
-    QTRY_COMPARE(m_panel->application(focus).toString(), QStringLiteral("kqzsk"));
-    QCOMPARE(m_panel->grab(QStringLiteral("labelOW")), before);
-    QCOMPARE(m_panel->property(QStringLiteral("treeWidgetOW/QScrollBar"), "value").toInt(), 0);
 }
 
 void tst_Window::repairsWhileCovered()

@@ -1,4 +1,5 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/ServerWindow.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -58,7 +59,7 @@ QString windowProperty(qulonglong window, const QString &name, const QString &fo
     return value.match(line).captured(1);
 }
 
-//! The pictures in a window's _NET_WM_ICON: width, height and one number a pixel, over and over.
+//! The images in a window's _NET_WM_ICON: width, height and one number a pixel, over and over.
 QList<QImage> windowIcons(qulonglong window)
 {
     const QStringList numbers =
@@ -97,7 +98,7 @@ QRect difference(const QImage &one, const QImage &other)
     return result.boundingRect();
 }
 
-QImage screenPicture()
+QImage screenshot()
 {
     return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
 }
@@ -184,7 +185,7 @@ void tst_WindowManagers::init()
     if (m_panel)
         return;
     PanelProcess::moveMouse(QPoint(0, 0));
-    m_emptyScreen = screenPicture();
+    m_emptyScreen = screenshot();
     m_panel = std::make_unique<PanelProcess>();
     QVERIFY(m_panel->start());
     QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
@@ -206,16 +207,7 @@ void tst_WindowManagers::cleanupTestCase()
 
 QRect tst_WindowManagers::place()
 {
-    const QString text = QString::fromUtf8(
-            outputOf(QStringLiteral("xwininfo"),
-                     {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))}));
-    const auto number = [&](const QString &name) {
-        const QRegularExpression line(name + QStringLiteral(": +(-?\\d+)\n"));
-        return line.match(text).captured(1).toInt();
-    };
-    return {number(QStringLiteral("Absolute upper-left X")),
-            number(QStringLiteral("Absolute upper-left Y")), number(QStringLiteral("Width")),
-            number(QStringLiteral("Height"))};
+    return serverWindow(m_panel->windowId(Window)).geometry;
 }
 
 QStringList tst_WindowManagers::states()
@@ -266,7 +258,7 @@ void tst_WindowManagers::comesUpBareAndCentred()
     // Nothing has come to the screen there but the window: no frame, no shadow.
     const QRect around =
             expected.marginsAdded({Surroundings, Surroundings, Surroundings, Surroundings});
-    QTRY_COMPARE(difference(m_emptyScreen.copy(around), screenPicture().copy(around)),
+    QTRY_COMPARE(difference(m_emptyScreen.copy(around), screenshot().copy(around)),
                  expected.translated(-around.topLeft()));
 }
 
@@ -282,12 +274,12 @@ void tst_WindowManagers::tellsTaskBarsWhatItIs()
     QCOMPARE(property("_NET_WM_WINDOW_TYPE").section(QStringLiteral(", "), -1),
              QStringLiteral("_NET_WM_WINDOW_TYPE_NORMAL"));
 
-    const QImage picture = m_panel->picture(QStringLiteral(":/client/resources/application.svg"))
-                                   .convertToFormat(QImage::Format_ARGB32);
+    const QImage icon = m_panel->icon(QStringLiteral(":/client/resources/application.svg"))
+                                .convertToFormat(QImage::Format_ARGB32);
     const QList<QImage> icons = windowIcons(window);
-    QVERIFY(icons.contains(picture));
-    for (const QImage &icon : icons)
-        QVERIFY(icon.width() >= 16 && icon.width() == icon.height());
+    QVERIFY(icons.contains(icon));
+    for (const QImage &other : icons)
+        QVERIFY(other.width() >= 16 && other.width() == other.height());
 }
 
 void tst_WindowManagers::keepsItsSize()

@@ -3,6 +3,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QSpinBox>
@@ -14,9 +15,9 @@ namespace {
 constexpr const char *ConfigVariable = "XDG_CONFIG_HOME";
 
 template<typename Widget>
-const Widget *field(const QWidget &page, const char *name)
+Widget *field(const QWidget &page, const char *name)
 {
-    const auto *widget = page.findChild<Widget *>(QLatin1String(name));
+    auto *widget = page.findChild<Widget *>(QLatin1String(name));
     if (!widget)
         qFatal("the page has no %s", name);
     return widget;
@@ -85,6 +86,22 @@ QStringList SettingsHome::entries() const
 {
     return QDir(folder()).entryList(
             QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QSpinBox *numberField(const QWidget &page, const char *objectName)
+{
+    return field<QSpinBox>(page, objectName);
+}
+
+void changeNumber(const QWidget &page, const char *objectName, int value)
+{
+    numberField(page, objectName)->setValue(value);
+    QCoreApplication::processEvents();
+}
+
+QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByteArray &value)
+{
+    return '[' + section + "]\n" + name + '=' + value + '\n';
 }
 
 QStringList shown(const QWidget &page)

@@ -5,6 +5,9 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <array>
+
+class QSpinBox;
 class QWidget;
 
 /*!
@@ -46,17 +49,6 @@ private:
     QByteArray m_formerConfig;
 };
 
-/*!
-    What the eight fields of the settings page \a page show, in reading order: the level's text, the
-    switch as "on" or "off", and the numbers.
-*/
-QStringList shown(const QWidget &page);
-
-//! What a page shows that has read nothing.
-QStringList defaults();
-//! The same, with \a text in the place of field \a index.
-QStringList defaultsBut(int index, const QString &text);
-
 //! The fields in reading order, as the index of shown().
 enum Field {
     LogLevel,
@@ -69,3 +61,44 @@ enum Field {
     MsgUpload,
     FieldCount
 };
+
+//! A number among the settings: its key in the file, its field on the page, default and range.
+struct NumberSetting
+{
+    const char *section;
+    const char *name;
+    const char *objectName;
+    Field field;
+    int initial;
+    int minimum;
+    int maximum;
+};
+
+constexpr std::array<NumberSetting, 6> NumberSettings = {{
+        {"log", "days", "spinLogDays", LogDays, 30, 10, 30},
+        {"rpc", "timeout", "spinRpcTimeout", RpcTimeout, 30, 10, 60},
+        {"rpc", "threads", "spinThreadNums", RpcThreads, 5, 1, 8},
+        {"msg", "pullInterval", "spinPullMessage", MsgPull, 10, 5, 30},
+        {"msg", "updateInterval", "spinStatusUpdate", MsgUpdate, 3, 1, 10},
+        {"msg", "uploadInterval", "spinUpload", MsgUpload, 3, 1, 30},
+}};
+
+//! The field \a objectName of the settings page \a page.
+QSpinBox *numberField(const QWidget &page, const char *objectName);
+
+//! Sets \a field of \a page to \a value and lets the change be written.
+void changeNumber(const QWidget &page, const char *objectName, int value);
+
+//! A settings file with a single key.
+QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByteArray &value);
+
+/*!
+    What the eight fields of the settings page \a page show, in reading order: the level's text, the
+    switch as "on" or "off", and the numbers.
+*/
+QStringList shown(const QWidget &page);
+
+//! What a page shows that has read nothing.
+QStringList defaults();
+//! The same, with \a text in the place of field \a index.
+QStringList defaultsBut(int index, const QString &text);

@@ -2,6 +2,7 @@
 
 #include "tests/settings/SettingsHome.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/ResourceLimit.h"
 #include "tests/support/files.h"
 
 #include <QApplication>
@@ -9,10 +10,13 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QProcessEnvironment>
 #include <QSettings>
-#include <QSpinBox>
-#include <QtTest>
+#include <QTest>
 
+#include <csignal>
 #include <memory>
 
 #include <sys/stat.h>
@@ -21,25 +25,49 @@ namespace {
 
 constexpr const char *Old = "[log]\ndays=5\n\n[rpc]\ntimeout=30\n";
 constexpr const char *Changed = "[log]\ndays=5\n\n[msg]\nuploadInterval=7\n\n[rpc]\ntimeout=30\n";
+constexpr const char *UploadField = "spinUpload";
 constexpr int OtherUpload = 7;
-constexpr int OtherThreads = 8;
+//! Well below what Qt waits for a lock whose owner it can't tell.
+constexpr int QuickMs = 10000;
 
-//! Changes one setting and lets it be written.
+//! More than the lock file of the settings takes, and less than the settings with this behind them.
+constexpr rlim_t LockBytes = 1000;
+const QByteArray Ballast = "\n[zz]\nother=" + QByteArray(2 * int(LockBytes), 'x') + '\n';
+
+//! A settings page in another process that sets \a field to \a value; returns how it ended.
+QProcess::ExitStatus writeElsewhere(const char *field, int value, const QString &bytes = {})
+{
+    QProcess writer;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // Qt's offscreen platform never frees its screen.
+    environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
+    writer.setProcessEnvironment(environment);
+    writer.start(QStringLiteral(PANEL_TEST_WRITER),
+                 QStringList {QStringLiteral("-platform"), QStringLiteral("offscreen"),
+                              QLatin1String(field), QString::number(value)}
+                         + (bytes.isEmpty() ? QStringList() : QStringList(bytes)));
+    if (!writer.waitForFinished())
+        qFatal("the writer doesn't end");
+    return writer.exitStatus();
+}
+
+//! Dates \a path \a seconds back.
+void age(const QString &path, int seconds)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-seconds),
+                             QFileDevice::FileModificationTime));
+}
+
 void change(const SettingsForm &page)
 {
-    page.findChild<QSpinBox *>(QStringLiteral("spinUpload"))->setValue(OtherUpload);
-    QCoreApplication::processEvents();
+    changeNumber(page, UploadField, OtherUpload);
 }
 
 QSettings::Status status(const SettingsForm &page)
 {
-    const auto *settings = page.findChild<QSettings *>();
-    return settings ? settings->status() : QSettings::NoError;
-}
-
-bool isLink(const QString &path)
-{
-    return QFileInfo(path).isSymLink();
+    return page.findChild<QSettings *>()->status();
 }
 
 } // namespace
@@ -54,18 +82,17 @@ private slots:
 
     void permissions_data();
     void permissions();
-    void changesWaitUntilTheFileIsReadable();
     void unwritableConfigurationFolder();
-    void fileInPlaceOfTheFolder();
-    void folderInPlaceOfTheFile();
-    void linkToAFileElsewhere();
-    void linkToTheFolderElsewhere();
-    void danglingLink();
-    void linkInACircle();
+    void unusablePlaces_data();
+    void unusablePlaces();
     void malformedFileTakesChanges();
     void fileRemovedMeanwhile();
-    void abandonedLock();
-    void youngLockIsLeftAlone();
+    void diskFull_data();
+    void diskFull();
+    void writerKilled_data();
+    void writerKilled();
+    void lockOfAnotherIsLeftAlone();
+    void twoWriters();
 
 private:
     void chmod(const QString &path, mode_t mode);
@@ -143,24 +170,6 @@ void tst_SettingsFaults::permissions()
     QCOMPARE(m_home->entries(), QStringList(QStringLiteral("settings.ini")));
 }
 
-void tst_SettingsFaults::changesWaitUntilTheFileIsReadable()
-{
-    m_home->write(Old);
-    chmod(m_home->path(), 0700);
-    chmod(m_home->folder(), 0700);
-    chmod(m_home->file(), 0000);
-    const OrdinaryUser user;
-    const SettingsForm page;
-    change(page);
-    QCOMPARE(::chmod(QFile::encodeName(m_home->file()).constData(), 0600), 0);
-    QCOMPARE(m_home->read(), QByteArray(Old));
-
-    page.findChild<QSpinBox *>(QStringLiteral("spinThreadNums"))->setValue(OtherThreads);
-    QCoreApplication::processEvents();
-    QCOMPARE(m_home->read(), QByteArray("[log]\ndays=5\n\n[msg]\nuploadInterval=7\n\n[rpc]\n"
-                                        "threads=8\ntimeout=30\n"));
-}
-
 void tst_SettingsFaults::unwritableConfigurationFolder()
 {
     chmod(m_home->path(), 0500);
@@ -174,89 +183,38 @@ void tst_SettingsFaults::unwritableConfigurationFolder()
     QVERIFY(!QFileInfo::exists(m_home->folder()));
 }
 
-void tst_SettingsFaults::fileInPlaceOfTheFolder()
+void tst_SettingsFaults::unusablePlaces_data()
 {
-    writeFile(m_home->folder(), Old);
+    QTest::addColumn<bool>("fileAsFolder");
+    QTest::addColumn<bool>("folderAsFile");
+
+    QTest::newRow("file in the place of the folder") << true << false;
+    QTest::newRow("folder in the place of the file") << false << true;
+    QTest::newRow("link to itself in the place of the file") << false << false;
+}
+
+void tst_SettingsFaults::unusablePlaces()
+{
+    QFETCH(bool, fileAsFolder);
+    QFETCH(bool, folderAsFile);
+    if (fileAsFolder) {
+        writeFile(m_home->folder(), Old);
+    } else if (folderAsFile) {
+        QVERIFY(QDir().mkpath(m_home->file()));
+    } else {
+        QVERIFY(QDir().mkpath(m_home->folder()));
+        QVERIFY(QFile::link(m_home->file(), m_home->file()));
+    }
     {
         const SettingsForm page;
         QCOMPARE(shown(page), defaults());
         change(page);
         QCOMPARE(shown(page), defaultsBut(MsgUpload, QStringLiteral("7")));
     }
-    QCOMPARE(readFile(m_home->folder()), QByteArray(Old));
-}
-
-void tst_SettingsFaults::folderInPlaceOfTheFile()
-{
-    QVERIFY(QDir().mkpath(m_home->file()));
-    {
-        const SettingsForm page;
-        QCOMPARE(shown(page), defaults());
-        QCOMPARE(status(page), QSettings::AccessError);
-        change(page);
-        QCOMPARE(shown(page), defaultsBut(MsgUpload, QStringLiteral("7")));
-    }
-    QVERIFY(QFileInfo(m_home->file()).isDir());
-    QCOMPARE(m_home->entries(), QStringList(QStringLiteral("settings.ini")));
-}
-
-void tst_SettingsFaults::linkToAFileElsewhere()
-{
-    QVERIFY(QDir().mkpath(m_home->folder()));
-    const QString target = m_home->path(QStringLiteral("kept elsewhere.ini"));
-    writeFile(target, "[log]\ndays=20\n");
-    QVERIFY(QFile::link(target, m_home->file()));
-    {
-        const SettingsForm page;
-        QCOMPARE(shown(page), defaultsBut(LogDays, QStringLiteral("20")));
-        change(page);
-    }
-    QVERIFY(isLink(m_home->file()));
-    QCOMPARE(readFile(target), QByteArray("[log]\ndays=20\n\n[msg]\nuploadInterval=7\n"));
-    QCOMPARE(m_home->entries(), QStringList(QStringLiteral("settings.ini")));
-}
-
-void tst_SettingsFaults::linkToTheFolderElsewhere()
-{
-    const QString elsewhere = m_home->path(QStringLiteral("elsewhere"));
-    QVERIFY(QDir().mkpath(elsewhere));
-    QVERIFY(QFile::link(elsewhere, m_home->folder()));
-    {
-        const SettingsForm page;
-        change(page);
-    }
-    QVERIFY(isLink(m_home->folder()));
-    QCOMPARE(readFile(elsewhere + QStringLiteral("/settings.ini")),
-             QByteArray("[msg]\nuploadInterval=7\n"));
-}
-
-void tst_SettingsFaults::danglingLink()
-{
-    QVERIFY(QDir().mkpath(m_home->folder()));
-    const QString target = m_home->path(QStringLiteral("not there yet.ini"));
-    QVERIFY(QFile::link(target, m_home->file()));
-    {
-        const SettingsForm page;
-        QCOMPARE(shown(page), defaults());
-        QCOMPARE(status(page), QSettings::NoError);
-        QCoreApplication::processEvents();
-        QVERIFY(!QFileInfo::exists(target));
-        change(page);
-    }
-    QVERIFY(isLink(m_home->file()));
-    QCOMPARE(readFile(target), QByteArray("[msg]\nuploadInterval=7\n"));
-}
-
-void tst_SettingsFaults::linkInACircle()
-{
-    QVERIFY(QDir().mkpath(m_home->folder()));
-    QVERIFY(QFile::link(m_home->file(), m_home->file()));
-    {
-        const SettingsForm page;
-        QCOMPARE(shown(page), defaults());
-        change(page);
-        QCOMPARE(shown(page), defaultsBut(MsgUpload, QStringLiteral("7")));
-    }
+    if (fileAsFolder)
+        QCOMPARE(readFile(m_home->folder()), QByteArray(Old));
+    else
+        QCOMPARE(QFileInfo(m_home->file()).isDir(), folderAsFile);
 }
 
 void tst_SettingsFaults::malformedFileTakesChanges()
@@ -278,48 +236,104 @@ void tst_SettingsFaults::fileRemovedMeanwhile()
     QCOMPARE(m_home->read(), QByteArray("[msg]\nuploadInterval=7\n"));
 }
 
-void tst_SettingsFaults::abandonedLock()
+void tst_SettingsFaults::diskFull_data()
 {
-    m_home->write(Old);
-    const QString lock = m_home->file() + QStringLiteral(".lock");
-    writeFile(lock, QByteArray());
-    QFile file(lock);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-2),
-                             QFileDevice::FileModificationTime));
-    file.close();
+    QTest::addColumn<uint>("bytes");
 
+    QTest::newRow("not even for the lock") << 0U;
+    QTest::newRow("but for the lock") << uint(LockBytes);
+}
+
+void tst_SettingsFaults::diskFull()
+{
+    QFETCH(uint, bytes);
+    const QByteArray old = "[msg]\nuploadInterval=3\n" + Ballast;
+    m_home->write(old);
+    const SettingsForm page;
+    {
+        // Writing fails then as on a full disk.
+        const auto handler = signal(SIGXFSZ, SIG_IGN);
+        const ResourceLimit disk(RLIMIT_FSIZE, bytes);
+        change(page);
+        signal(SIGXFSZ, handler);
+    }
+    QCOMPARE(shown(page), defaultsBut(MsgUpload, QStringLiteral("7")));
+
+    // With room again, the next change takes along what could not be written.
+    changeNumber(page, "spinThreadNums", 8);
+    QCOMPARE(m_home->read(), "[msg]\nuploadInterval=7\n\n[rpc]\nthreads=8\n" + Ballast);
+    QCOMPARE(m_home->entries(), QStringList(QStringLiteral("settings.ini")));
+}
+
+void tst_SettingsFaults::writerKilled_data()
+{
+    QTest::addColumn<uint>("bytes");
+    QTest::addColumn<bool>("isSigned");
+
+    QTest::newRow("before it signs its lock") << 0U << false;
+    QTest::newRow("while it writes the file") << uint(LockBytes) << true;
+}
+
+void tst_SettingsFaults::writerKilled()
+{
+    QFETCH(uint, bytes);
+    QFETCH(bool, isSigned);
+    m_home->write(Old + Ballast);
+    QCOMPARE(writeElsewhere(UploadField, 29, QString::number(bytes)), QProcess::CrashExit);
+    QCOMPARE(m_home->read(), Old + Ballast);
+    const QString lock = m_home->file() + QStringLiteral(".lock");
+    QVERIFY(QFileInfo::exists(lock));
+    QCOMPARE(QFileInfo(lock).size() > 0, isSigned);
+    age(lock, 2);
+
+    // What it has left holds nobody up.
     QElapsedTimer clock;
     clock.start();
     const SettingsForm page;
-    QVERIFY(!QFile::exists(lock));
+    QCOMPARE(QFileInfo::exists(lock), isSigned);
     change(page);
-    QCOMPARE(m_home->read(), QByteArray(Changed));
-    // Qt itself would wait half a minute.
-    QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(m_home->read(), Changed + Ballast);
+    QVERIFY2(clock.elapsed() < QuickMs, qPrintable(QString::number(clock.elapsed())));
 }
 
-void tst_SettingsFaults::youngLockIsLeftAlone()
+void tst_SettingsFaults::lockOfAnotherIsLeftAlone()
 {
     m_home->write(Old);
     const QString lock = m_home->file() + QStringLiteral(".lock");
-    const auto loads = [&](const QByteArray &content, int age) {
+    const auto loads = [&](const QByteArray &content, int seconds) {
         writeFile(lock, content);
-        QFile file(lock);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(-age),
-                                 QFileDevice::FileModificationTime));
-        file.close();
+        age(lock, seconds);
         const SettingsForm page;
-        QCOMPARE(readFile(lock), content);
         QVERIFY(QFile::exists(lock));
+        QCOMPARE(readFile(lock), content);
     };
 
-    // Somebody may be about to sign it.
+    // Its owner may be about to sign it.
     loads(QByteArray(""), 0);
-    // Somebody has: whether it is stale is for the file's own lock to tell.
+    // Signed: whether it is stale is for QSettings to tell.
     loads(QByteArray("1\nprogram\nhost\n"), 5);
     loads(QByteArray("1"), 5);
+}
+
+void tst_SettingsFaults::twoWriters()
+{
+    m_home->write("[zz]\nother=x\n");
+    const SettingsForm page;
+    const auto content = [](const QByteArray &pull, const QByteArray &timeout) {
+        return "[msg]\npullInterval=" + pull + "\n\n[rpc]\ntimeout=" + timeout
+               + "\n\n[zz]\nother=x\n";
+    };
+
+    // Each adds its own key to what the other has written last.
+    changeNumber(page, "spinRpcTimeout", 45);
+    QCOMPARE(writeElsewhere("spinPullMessage", 9), QProcess::NormalExit);
+    QCOMPARE(m_home->read(), content("9", "45"));
+    changeNumber(page, "spinRpcTimeout", 46);
+    QCOMPARE(m_home->read(), content("9", "46"));
+    // Another length: by that alone QSettings sees that the file has changed.
+    QCOMPARE(writeElsewhere("spinPullMessage", 11), QProcess::NormalExit);
+    changeNumber(page, "spinRpcTimeout", 47);
+    QCOMPARE(m_home->read(), content("11", "47"));
 }
 
 QTEST_MAIN(tst_SettingsFaults)

@@ -1,16 +1,19 @@
 #include "settings/SettingsForm.h"
 
 #include "tests/settings/SettingsHome.h"
+#include "tests/support/AskingTranslator.h"
+#include "tests/support/LayoutDump.h"
 #include "tests/support/PrivateMember.h"
 #include "ui_SettingsForm.h"
 
 #include <QAbstractItemView>
+#include <QFileInfo>
 #include <QMetaMethod>
+#include <QPointer>
+#include <QRegularExpression>
 #include <QSettings>
-#include <QTranslator>
-#include <QtTest>
+#include <QTest>
 
-#include <array>
 #include <memory>
 
 struct UiMember : PrivateMember<UiMember, Ui_SettingsForm *, SettingsForm>
@@ -25,49 +28,8 @@ template struct ExposePrivateMember<SettingsMember, &SettingsForm::settings>;
 
 namespace {
 
-//! The room that the page has in the window.
+//! The page's size in the window.
 constexpr QSize PageSize(800, 568);
-
-//! Notes what is asked for in the context of the page, and answers with the text in brackets.
-class RecordingTranslator : public QTranslator
-{
-public:
-    QString translate(const char *context, const char *source, const char *disambiguation,
-                      int n) const override
-    {
-        if (qstrcmp(context, "SettingsForm") != 0)
-            return {};
-        texts.append(QString::fromUtf8(source));
-        plain = plain && !disambiguation && n == -1;
-        return QLatin1Char('[') + QString::fromUtf8(source) + QLatin1Char(']');
-    }
-    bool isEmpty() const override { return false; }
-
-    mutable QStringList texts;
-    mutable bool plain = true;
-};
-
-QString nameOf(const QLayoutItem *item, const Ui_SettingsForm &ui)
-{
-    const QList<QPair<const QSpacerItem *, QString>> spacers = {
-            {ui.horizontalSpacer, QStringLiteral("horizontalSpacer")},
-            {ui.horizontalSpacer_2, QStringLiteral("horizontalSpacer_2")},
-            {ui.horizontalSpacer_3, QStringLiteral("horizontalSpacer_3")},
-            {ui.horizontalSpacer_4, QStringLiteral("horizontalSpacer_4")},
-            {ui.horizontalSpacer_5, QStringLiteral("horizontalSpacer_5")},
-            {ui.horizontalSpacer_6, QStringLiteral("horizontalSpacer_6")},
-            {ui.horizontalSpacer_7, QStringLiteral("horizontalSpacer_7")},
-            {ui.verticalSpacer, QStringLiteral("verticalSpacer")},
-    };
-    for (const auto &spacer : spacers) {
-        if (spacer.first == item)
-            return spacer.second;
-    }
-    auto *asked = const_cast<QLayoutItem *>(item);
-    if (asked->widget())
-        return asked->widget()->objectName();
-    return asked->layout() ? asked->layout()->objectName() : QString();
-}
 
 } // namespace
 
@@ -85,9 +47,8 @@ private slots:
     void givenObjectNameStays();
     void widgets_data();
     void widgets();
-    void layouts_data();
     void layouts();
-    void spacersAndFrames();
+    void frames();
     void fieldsStartWithTheirDefaults();
     void fieldsHaveNames();
     void levels();
@@ -96,14 +57,9 @@ private slots:
     void warningShowsWhileLoggingIsOn();
     void storedSwitchShowsTheWarning();
     void nothingIsCutOff();
-    void unitsStandBesideTheirFields();
     void tabFollowsTheReadingOrder();
-    void keysAndWheelKeepWithinRange_data();
-    void keysAndWheelKeepWithinRange();
-    void typingKeepsWithinRange_data();
-    void typingKeepsWithinRange();
-    void choosingALevelWritesIt();
-    void mouseTicksTheSwitch();
+    void inputKeepsWithinRange_data();
+    void inputKeepsWithinRange();
 
 private:
     Ui_SettingsForm &ui() { return *UiMember::of(*m_page); }
@@ -156,63 +112,16 @@ void tst_SettingsForm::slotsInOrder()
 
 void tst_SettingsForm::formMembersInOrder()
 {
-    const Ui_SettingsForm &form = ui();
-    const std::array<const void *, 48> members = {
-            &form.verticalLayout_4,
-            &form.label_6,
-            &form.frame_2,
-            &form.verticalLayout_2,
-            &form.horizontalLayout_3,
-            &form.label_7,
-            &form.cbLogLevel,
-            &form.horizontalSpacer_3,
-            &form.horizontalLayout_4,
-            &form.label_8,
-            &form.spinLogDays,
-            &form.label_9,
-            &form.horizontalSpacer_4,
-            &form.line,
-            &form.label,
-            &form.frame,
-            &form.verticalLayout,
-            &form.cbRpcLog,
-            &form.labelRpcLog,
-            &form.horizontalLayout,
-            &form.label_3,
-            &form.spinRpcTimeout,
-            &form.label_4,
-            &form.horizontalSpacer,
-            &form.horizontalLayout_2,
-            &form.label_5,
-            &form.spinThreadNums,
-            &form.horizontalSpacer_2,
-            &form.line_2,
-            &form.label_10,
-            &form.frame_3,
-            &form.verticalLayout_3,
-            &form.horizontalLayout_5,
-            &form.label_11,
-            &form.spinPullMessage,
-            &form.label_12,
-            &form.horizontalSpacer_5,
-            &form.horizontalLayout_6,
-            &form.label_13,
-            &form.spinStatusUpdate,
-            &form.label_14,
-            &form.horizontalSpacer_6,
-            &form.horizontalLayout_7,
-            &form.label_15,
-            &form.spinUpload,
-            &form.label_16,
-            &form.horizontalSpacer_7,
-            &form.verticalSpacer,
-    };
-    const auto *place = reinterpret_cast<const char *>(&form);
-    for (const void *member : members) {
-        QCOMPARE(member, static_cast<const void *>(place));
-        place += sizeof(void *);
-    }
-    QCOMPARE(sizeof(Ui_SettingsForm), sizeof members);
+    const auto *const expected =
+            "verticalLayout_4 label_6 frame_2 verticalLayout_2 horizontalLayout_3 label_7 "
+            "cbLogLevel spacer horizontalLayout_4 label_8 spinLogDays label_9 spacer line "
+            "label frame verticalLayout cbRpcLog labelRpcLog horizontalLayout label_3 "
+            "spinRpcTimeout label_4 spacer horizontalLayout_2 label_5 spinThreadNums spacer "
+            "line_2 label_10 frame_3 verticalLayout_3 horizontalLayout_5 label_11 "
+            "spinPullMessage label_12 spacer horizontalLayout_6 label_13 spinStatusUpdate "
+            "label_14 spacer horizontalLayout_7 label_15 spinUpload label_16 spacer spacer";
+    QCOMPARE(formMembers(&ui(), sizeof(Ui_SettingsForm), *m_page).join(QLatin1Char(' ')),
+             QString::fromLatin1(expected));
 }
 
 void tst_SettingsForm::settingsBelongToThePage()
@@ -307,76 +216,73 @@ void tst_SettingsForm::widgets()
     }
 }
 
-void tst_SettingsForm::layouts_data()
-{
-    QTest::addColumn<QByteArray>("className");
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("items");
-
-    const auto row = [](const char *name, const char *parent, const char *items) {
-        const char *className = name[0] == 'v' ? "QVBoxLayout" : "QHBoxLayout";
-        QTest::newRow(name) << QByteArray(className) << QString::fromLatin1(parent)
-                            << QString::fromLatin1(items);
-    };
-    row("verticalLayout_4", "SettingsForm",
-        "label_6 frame_2 line label frame line_2 label_10 frame_3 verticalSpacer");
-    row("verticalLayout_2", "frame_2", "horizontalLayout_3 horizontalLayout_4");
-    row("horizontalLayout_3", "verticalLayout_2", "label_7 cbLogLevel horizontalSpacer_3");
-    row("horizontalLayout_4", "verticalLayout_2", "label_8 spinLogDays label_9 horizontalSpacer_4");
-    row("verticalLayout", "frame", "cbRpcLog labelRpcLog horizontalLayout horizontalLayout_2");
-    row("horizontalLayout", "verticalLayout", "label_3 spinRpcTimeout label_4 horizontalSpacer");
-    row("horizontalLayout_2", "verticalLayout", "label_5 spinThreadNums horizontalSpacer_2");
-    row("verticalLayout_3", "frame_3", "horizontalLayout_5 horizontalLayout_6 horizontalLayout_7");
-    row("horizontalLayout_5", "verticalLayout_3",
-        "label_11 spinPullMessage label_12 horizontalSpacer_5");
-    row("horizontalLayout_6", "verticalLayout_3",
-        "label_13 spinStatusUpdate label_14 horizontalSpacer_6");
-    row("horizontalLayout_7", "verticalLayout_3",
-        "label_15 spinUpload label_16 horizontalSpacer_7");
-}
-
 void tst_SettingsForm::layouts()
 {
-    QFETCH(QByteArray, className);
-    QFETCH(QString, parent);
-    QFETCH(QString, items);
+    const char *const expected = "QVBoxLayout verticalLayout_4\n"
+                                 "  QLabel label_6\n"
+                                 "  QFrame frame_2\n"
+                                 "    QVBoxLayout verticalLayout_2\n"
+                                 "      QHBoxLayout horizontalLayout_3\n"
+                                 "        QLabel label_7\n"
+                                 "        QComboBox cbLogLevel\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_4\n"
+                                 "        QLabel label_8\n"
+                                 "        QSpinBox spinLogDays\n"
+                                 "        QLabel label_9\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "  QFrame line\n"
+                                 "  QLabel label\n"
+                                 "  QFrame frame\n"
+                                 "    QVBoxLayout verticalLayout\n"
+                                 "      QCheckBox cbRpcLog\n"
+                                 "      QLabel labelRpcLog\n"
+                                 "      QHBoxLayout horizontalLayout\n"
+                                 "        QLabel label_3\n"
+                                 "        QSpinBox spinRpcTimeout\n"
+                                 "        QLabel label_4\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_2\n"
+                                 "        QLabel label_5\n"
+                                 "        QSpinBox spinThreadNums\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "  QFrame line_2\n"
+                                 "  QLabel label_10\n"
+                                 "  QFrame frame_3\n"
+                                 "    QVBoxLayout verticalLayout_3\n"
+                                 "      QHBoxLayout horizontalLayout_5\n"
+                                 "        QLabel label_11\n"
+                                 "        QSpinBox spinPullMessage\n"
+                                 "        QLabel label_12\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_6\n"
+                                 "        QLabel label_13\n"
+                                 "        QSpinBox spinStatusUpdate\n"
+                                 "        QLabel label_14\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "      QHBoxLayout horizontalLayout_7\n"
+                                 "        QLabel label_15\n"
+                                 "        QSpinBox spinUpload\n"
+                                 "        QLabel label_16\n"
+                                 "        spacer 40x20 Expanding Minimum\n"
+                                 "  spacer 20x40 Minimum Expanding\n";
+    // The layouts have a style's own spacing and margins, the items neither stretch nor alignment.
+    QCOMPARE(dumpLayout(*m_page), QString::fromLatin1(expected));
 
-    auto *layout = m_page->findChild<QBoxLayout *>(QString::fromLatin1(QTest::currentDataTag()));
-    QVERIFY(layout);
-    QCOMPARE(QByteArray(layout->metaObject()->className()), className);
-    QCOMPARE(layout->parent()->objectName(), parent);
-
-    QStringList names;
-    for (int i = 0; i < layout->count(); ++i) {
-        names.append(nameOf(layout->itemAt(i), ui()));
-        QCOMPARE(layout->stretch(i), 0);
-        QCOMPARE(layout->itemAt(i)->alignment(), Qt::Alignment());
-    }
-    QCOMPARE(names.join(QLatin1Char(' ')), items);
-
-    // What a layout has that nobody gave any spacing or margins: a window's differ from a child's.
-    QWidget window;
-    QWidget child(&window);
-    const QVBoxLayout untouched(layout->parent() == m_page.get() ? &window : &child);
-    const bool nested = qobject_cast<QLayout *>(layout->parent()) != nullptr;
-    QCOMPARE(layout->spacing(), untouched.spacing());
-    QCOMPARE(layout->contentsMargins(), nested ? QMargins() : untouched.contentsMargins());
+    const Ui_SettingsForm &form = ui();
+    QCOMPARE(form.horizontalSpacer, form.horizontalLayout->itemAt(3));
+    QCOMPARE(form.horizontalSpacer_2, form.horizontalLayout_2->itemAt(2));
+    QCOMPARE(form.horizontalSpacer_3, form.horizontalLayout_3->itemAt(2));
+    QCOMPARE(form.horizontalSpacer_4, form.horizontalLayout_4->itemAt(3));
+    QCOMPARE(form.horizontalSpacer_5, form.horizontalLayout_5->itemAt(3));
+    QCOMPARE(form.horizontalSpacer_6, form.horizontalLayout_6->itemAt(3));
+    QCOMPARE(form.horizontalSpacer_7, form.horizontalLayout_7->itemAt(3));
+    QCOMPARE(form.verticalSpacer, form.verticalLayout_4->itemAt(8));
 }
 
-void tst_SettingsForm::spacersAndFrames()
+void tst_SettingsForm::frames()
 {
     const Ui_SettingsForm &form = ui();
-    for (QSpacerItem *spacer :
-         {form.horizontalSpacer, form.horizontalSpacer_2, form.horizontalSpacer_3,
-          form.horizontalSpacer_4, form.horizontalSpacer_5, form.horizontalSpacer_6,
-          form.horizontalSpacer_7}) {
-        QCOMPARE(spacer->sizeHint(), QSize(40, 20));
-        QCOMPARE(spacer->sizePolicy(), QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum));
-    }
-    QCOMPARE(form.verticalSpacer->sizeHint(), QSize(20, 40));
-    QCOMPARE(form.verticalSpacer->sizePolicy(),
-             QSizePolicy(QSizePolicy::Minimum, QSizePolicy::Expanding));
-
     for (const QFrame *frame : {form.frame, form.frame_2, form.frame_3}) {
         QCOMPARE(frame->frameShape(), QFrame::StyledPanel);
         QCOMPARE(frame->frameShadow(), QFrame::Raised);
@@ -391,15 +297,12 @@ void tst_SettingsForm::fieldsStartWithTheirDefaults()
 {
     const Ui_SettingsForm &form = ui();
     QCOMPARE(shown(*m_page), defaults());
-    const auto range = [](const QSpinBox *box) {
-        return qMakePair(box->minimum(), box->maximum());
-    };
-    QCOMPARE(range(form.spinLogDays), qMakePair(10, 30));
-    QCOMPARE(range(form.spinRpcTimeout), qMakePair(10, 60));
-    QCOMPARE(range(form.spinThreadNums), qMakePair(1, 8));
-    QCOMPARE(range(form.spinPullMessage), qMakePair(5, 30));
-    QCOMPARE(range(form.spinStatusUpdate), qMakePair(1, 10));
-    QCOMPARE(range(form.spinUpload), qMakePair(1, 30));
+    for (const NumberSetting &number : NumberSettings) {
+        const QSpinBox *field = numberField(*m_page, number.objectName);
+        QCOMPARE(field->value(), number.initial);
+        QCOMPARE(field->minimum(), number.minimum);
+        QCOMPARE(field->maximum(), number.maximum);
+    }
     QCOMPARE(form.cbRpcLog->checkState(), Qt::Unchecked);
     QVERIFY(!form.cbRpcLog->isTristate());
 }
@@ -440,31 +343,24 @@ void tst_SettingsForm::levels()
 
 void tst_SettingsForm::textsAreTranslatable()
 {
-    RecordingTranslator translator;
-    QVERIFY(QCoreApplication::installTranslator(&translator));
-    {
-        QWidget widget;
-        Ui_SettingsForm form {};
-        form.setupUi(&widget);
-        QCOMPARE(widget.windowTitle(), QStringLiteral("[Form]"));
-        const auto labels = widget.findChildren<QLabel *>();
-        for (const QLabel *label : labels)
-            QVERIFY2(label->text().startsWith(QLatin1Char('[')), qPrintable(label->text()));
-        QCOMPARE(form.cbRpcLog->text(), QStringLiteral("[开启RPC日志]"));
-    }
+    QStringList expected = formTexts(*m_page);
     // The title, 16 labels and the switch.
-    QCOMPARE(translator.texts.size(), 18);
-    QVERIFY(translator.plain);
+    QCOMPARE(expected.size(), 18);
+    for (QString &text : expected)
+        text = QStringLiteral("SettingsForm|%1|").arg(text);
+    AskingTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    ui().retranslateUi(m_page.get());
+    QCOMPARE(formTexts(*m_page), expected);
 }
 
 void tst_SettingsForm::translatedLevelIsFound()
 {
-    RecordingTranslator translator;
+    AskingTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
-    m_home->write("[log]\nlevel=[\\x8b66\\x544a]\n");
+    m_home->write("[log]\nlevel=SettingsForm|\\x8b66\\x544a|\n");
     const SettingsForm page;
-    QCOMPARE(shown(page).constFirst(), QStringLiteral("[警告]"));
-    QVERIFY(translator.plain);
+    QCOMPARE(shown(page).constFirst(), QStringLiteral("SettingsForm|警告|"));
 }
 
 void tst_SettingsForm::warningShowsWhileLoggingIsOn()
@@ -510,23 +406,6 @@ void tst_SettingsForm::nothingIsCutOff()
         QVERIFY(m_page->grab().save(pictures + QStringLiteral("/settings.png")));
 }
 
-void tst_SettingsForm::unitsStandBesideTheirFields()
-{
-    show();
-    const Ui_SettingsForm &form = ui();
-    const QList<QPair<const QWidget *, const QWidget *>> pairs = {
-            {form.spinLogDays, form.label_9},      {form.spinRpcTimeout, form.label_4},
-            {form.spinPullMessage, form.label_12}, {form.spinStatusUpdate, form.label_14},
-            {form.spinUpload, form.label_16},
-    };
-    for (const auto &pair : pairs) {
-        const QRect field = pair.first->geometry();
-        const QRect unit = pair.second->geometry();
-        QCOMPARE(unit.left() - field.right() - 1, form.horizontalLayout->spacing());
-        QVERIFY(qAbs(unit.center().y() - field.center().y()) <= 1);
-    }
-}
-
 void tst_SettingsForm::tabFollowsTheReadingOrder()
 {
     show();
@@ -545,155 +424,49 @@ void tst_SettingsForm::tabFollowsTheReadingOrder()
     }
 }
 
-void tst_SettingsForm::keysAndWheelKeepWithinRange_data()
+void tst_SettingsForm::inputKeepsWithinRange_data()
 {
-    QTest::addColumn<int>("minimum");
-    QTest::addColumn<int>("maximum");
-    QTest::addColumn<QByteArray>("key");
-    QTest::newRow("spinLogDays") << 10 << 30 << QByteArray("[log]\ndays=");
-    QTest::newRow("spinRpcTimeout") << 10 << 60 << QByteArray("[rpc]\ntimeout=");
-    QTest::newRow("spinThreadNums") << 1 << 8 << QByteArray("[rpc]\nthreads=");
-    QTest::newRow("spinPullMessage") << 5 << 30 << QByteArray("[msg]\npullInterval=");
-    QTest::newRow("spinStatusUpdate") << 1 << 10 << QByteArray("[msg]\nupdateInterval=");
-    QTest::newRow("spinUpload") << 1 << 30 << QByteArray("[msg]\nuploadInterval=");
+    QTest::addColumn<int>("index");
+    for (size_t i = 0; i < NumberSettings.size(); ++i)
+        QTest::newRow(NumberSettings[i].objectName) << int(i);
 }
 
-void tst_SettingsForm::keysAndWheelKeepWithinRange()
+void tst_SettingsForm::inputKeepsWithinRange()
 {
-    QFETCH(int, minimum);
-    QFETCH(int, maximum);
-    QFETCH(QByteArray, key);
-
+    QFETCH(int, index);
+    const NumberSetting &number = NumberSettings[size_t(index)];
     show();
-    auto *box = m_page->findChild<QSpinBox *>(QString::fromLatin1(QTest::currentDataTag()));
-    box->setFocus();
-    const auto wheel = [box](int turn) {
-        const QPointF centre = box->rect().center();
-        QWheelEvent event(centre, box->mapToGlobal(centre.toPoint()), QPoint(), QPoint(0, turn),
-                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(box, &event);
-    };
-    const auto file = [this] {
-        QCoreApplication::processEvents();
-        return m_home->read();
-    };
-    constexpr int Notch = 120;
-    constexpr int Enough = 10;
-
-    const auto line = [&key](int value) { return key + QByteArray::number(value) + '\n'; };
-    for (int i = 0; i < Enough; ++i)
-        QTest::keyClick(box, Qt::Key_PageDown);
-    QCOMPARE(box->value(), minimum);
-    QTest::keyClick(box, Qt::Key_Down);
-    wheel(-Notch);
-    QCOMPARE(box->value(), minimum);
-    QCOMPARE(file(), line(minimum));
-    wheel(Notch);
-    QCOMPARE(file(), line(minimum + 1));
-
-    for (int i = 0; i < Enough; ++i)
-        QTest::keyClick(box, Qt::Key_PageUp);
-    QCOMPARE(box->value(), maximum);
-    QTest::keyClick(box, Qt::Key_Up);
-    wheel(Notch);
-    QCOMPARE(box->value(), maximum);
-    QCOMPARE(file(), line(maximum));
-    QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(file(), line(maximum - 1));
-    wheel(-Notch);
-    QCOMPARE(file(), line(maximum - 2));
-}
-
-void tst_SettingsForm::typingKeepsWithinRange_data()
-{
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QByteArray>("content");
-
-    // Return confirms, and a confirmed value is written also when it is what it was before.
-    const QString days = QStringLiteral("spinLogDays");
-    QTest::newRow("in range") << days << QStringLiteral("25") << 25
-                              << QByteArray("[log]\ndays=25\n");
-    QTest::newRow("too large: the last digit is refused")
-            << days << QStringLiteral("299") << 29 << QByteArray("[log]\ndays=29\n");
-    QTest::newRow("too small: back to what it was")
-            << days << QStringLiteral("9") << 30 << QByteArray("[log]\ndays=30\n");
-    QTest::newRow("nothing: back to what it was")
-            << days << QString() << 30 << QByteArray("[log]\ndays=30\n");
-    QTest::newRow("a sign is refused")
-            << days << QStringLiteral("-12") << 12 << QByteArray("[log]\ndays=12\n");
-    QTest::newRow("letters are refused")
-            << days << QStringLiteral("1x5.") << 15 << QByteArray("[log]\ndays=15\n");
-    const QString threads = QStringLiteral("spinThreadNums");
-    QTest::newRow("digit past the end")
-            << threads << QStringLiteral("9") << 5 << QByteArray("[rpc]\nthreads=5\n");
-    QTest::newRow("zero") << threads << QStringLiteral("0") << 5
-                          << QByteArray("[rpc]\nthreads=5\n");
-    QTest::newRow("second digit") << threads << QStringLiteral("88") << 8
-                                  << QByteArray("[rpc]\nthreads=8\n");
-    QTest::newRow("two digits where they serve")
-            << QStringLiteral("spinStatusUpdate") << QStringLiteral("10") << 10
-            << QByteArray("[msg]\nupdateInterval=10\n");
-}
-
-void tst_SettingsForm::typingKeepsWithinRange()
-{
-    QFETCH(QString, box);
-    QFETCH(QString, typed);
-    QFETCH(int, value);
-    QFETCH(QByteArray, content);
-
-    show();
-    auto *field = m_page->findChild<QSpinBox *>(box);
+    QSpinBox *field = numberField(*m_page, number.objectName);
     field->setFocus();
-    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(field, Qt::Key_Delete);
-    QTest::keyClicks(field, typed);
-    QTest::keyClick(field, Qt::Key_Return);
-    QCOMPARE(field->value(), value);
-    QCOMPARE(field->text(), QString::number(value));
-    QCoreApplication::processEvents();
-    QCOMPARE(m_home->read(), content);
-}
-
-void tst_SettingsForm::choosingALevelWritesIt()
-{
-    show();
-    QComboBox *level = ui().cbLogLevel;
-    level->setFocus();
-    const auto file = [this] {
+    const auto verify = [&](int value) {
+        QCOMPARE(field->value(), value);
         QCoreApplication::processEvents();
-        return m_home->read();
+        QCOMPARE(m_home->read(), oneKey(number.section, number.name, QByteArray::number(value)));
     };
-    QTest::keyClick(level, Qt::Key_Down);
-    QCOMPARE(level->currentIndex(), 2);
-    QCOMPARE(file(), QByteArray("[log]\nlevel=\\x8b66\\x544a\n"));
-    QTest::keyClick(level, Qt::Key_Up);
-    QCOMPARE(level->currentIndex(), 1);
-    QCOMPARE(file(), QByteArray("[log]\nlevel=\\x4fe1\\x606f\n"));
+    const auto press = [field](Qt::Key key) {
+        constexpr int Enough = 10;
+        for (int i = 0; i < Enough; ++i)
+            QTest::keyClick(field, key);
+    };
+    const auto type = [field](int value) {
+        field->selectAll();
+        QTest::keyClicks(field, QString::number(value));
+        QTest::keyClick(field, Qt::Key_Return);
+    };
 
-    QVERIFY(QFile::remove(m_home->file()));
-    QTest::mouseClick(level, Qt::LeftButton);
-    QTRY_VERIFY(level->view()->isVisible());
-    QTest::keyClick(level->view(), Qt::Key_Return);
-    QCOMPARE(level->currentIndex(), 1);
-    QCOMPARE(file(), QByteArray("[log]\nlevel=\\x4fe1\\x606f\n"));
-}
-
-void tst_SettingsForm::mouseTicksTheSwitch()
-{
-    show();
-    QCheckBox *check = ui().cbRpcLog;
-    const QPoint mark(8, check->height() / 2);
-    QTest::mouseClick(check, Qt::LeftButton, Qt::NoModifier, mark);
-    QVERIFY(ui().labelRpcLog->isVisible());
-    QCoreApplication::processEvents();
-    QCOMPARE(m_home->read(), QByteArray("[rpc]\nenableLogs=true\n"));
-    QTest::mouseClick(check, Qt::LeftButton, Qt::NoModifier, mark);
-    QVERIFY(!ui().labelRpcLog->isVisible());
-    QCoreApplication::processEvents();
-    QCOMPARE(m_home->read(), QByteArray("[rpc]\nenableLogs=false\n"));
+    press(Qt::Key_PageDown);
+    verify(number.minimum);
+    press(Qt::Key_PageUp);
+    verify(number.maximum);
+    QTest::keyClick(field, Qt::Key_Down);
+    verify(number.maximum - 1);
+    type(number.minimum);
+    verify(number.minimum);
+    // Refused: a number too small in whole, a digit too many by itself.
+    type(number.minimum - 1);
+    verify(number.minimum);
+    type(number.maximum * 10);
+    verify(number.maximum);
 }
 
 QTEST_MAIN(tst_SettingsForm)

@@ -3,8 +3,8 @@
 #include <QTranslator>
 
 /*!
-    Answers every text with its context, itself and its disambiguation, parted by "|", to see what a
-    form or a class asks for. Install it with QCoreApplication::installTranslator().
+    Answers every text with its context, itself and its disambiguation, separated by "|", to see
+   what a form or a class asks for. Install it with QCoreApplication::installTranslator().
 */
 class AskingTranslator : public QTranslator
 {

@@ -5,7 +5,7 @@
 // variables, from a file "Corvane.conf" beside the executable with lines NAME=VALUE (the
 // environment goes first):
 //
-//   CORVANE_RECORD=FILE          write process number, working directory, arguments and environment
+//   CORVANE_RECORD=FILE          write PID, working directory, arguments and environment
 //                                to FILE, complete before it appears under that name
 //   CORVANE_EXIT_AFTER_MS=N      end with status 0 after N milliseconds
 //   CORVANE_APPEAR_AFTER_MS=N    go by another process name for the first N milliseconds, as a

@@ -1,5 +1,6 @@
 #include "tests/support/Inspector.h"
 
+#include "tests/support/ProcessCounters.h"
 #include "tests/support/childProcesses.h"
 
 #include <QAbstractItemView>
@@ -7,9 +8,7 @@
 #include <QCursor>
 #include <QDataStream>
 #include <QDesktopServices>
-#include <QDir>
 #include <QGenericPlugin>
-#include <QHeaderView>
 #include <QIcon>
 #include <QImage>
 #include <QLocalSocket>
@@ -19,7 +18,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSet>
-#include <QTreeView>
 #include <QUrl>
 #include <QWindow>
 
@@ -105,15 +103,6 @@ QVariant portable(const QVariant &value)
     return value.toString();
 }
 
-int descriptorCount()
-{
-    // "." and ".." are left out by the filter, the descriptor of this very listing is not.
-    return QDir(QStringLiteral("/proc/self/fd"))
-                   .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System)
-                   .size()
-           - 1;
-}
-
 QVariantList childNumbers()
 {
     QVariantList result;
@@ -132,7 +121,6 @@ QString buttonText(const QAbstractButton *button)
 
 Inspector::Inspector(const QString &socketPath)
     : m_answerers {{QStringLiteral("count"), &Inspector::count},
-                   {QStringLiteral("describe"), &Inspector::describe},
                    {QStringLiteral("property"), &Inspector::property},
                    {QStringLiteral("setProperty"), &Inspector::setProperty},
                    {QStringLiteral("invoke"), &Inspector::invoke},
@@ -145,7 +133,7 @@ Inspector::Inspector(const QString &socketPath)
                    {QStringLiteral("messageBox"), &Inspector::messageBox},
                    {QStringLiteral("application"), &Inspector::application},
                    {QStringLiteral("openUrl"), &Inspector::openUrl},
-                   {QStringLiteral("picture"), &Inspector::picture}}
+                   {QStringLiteral("icon"), &Inspector::icon}}
 {
     connect(&m_server, &QLocalServer::newConnection, this, &Inspector::admit);
     if (!m_server.listen(socketPath))
@@ -224,20 +212,6 @@ QVariant Inspector::count(const Question &question)
     return matches(question.value(QStringLiteral("object")).toString()).size();
 }
 
-QVariant Inspector::describe(const Question &question)
-{
-    const QObject *found = object(question);
-    if (!found)
-        return {};
-    const QObject *parent = found->parent();
-    return QVariantMap {
-            {QStringLiteral("name"), found->objectName()},
-            {QStringLiteral("class"), QString::fromLatin1(found->metaObject()->className())},
-            {QStringLiteral("parentName"), parent ? parent->objectName() : QString()},
-            {QStringLiteral("parentClass"),
-             parent ? QString::fromLatin1(parent->metaObject()->className()) : QString()}};
-}
-
 QVariant Inspector::property(const Question &question)
 {
     const QObject *found = object(question);
@@ -305,11 +279,6 @@ QVariant Inspector::view(const Question &question)
                     + question.value(QStringLiteral("object")).toString());
 
     const QAbstractItemModel *model = found->model();
-    const auto *tree = qobject_cast<QTreeView *>(found);
-    QStringList headers;
-    for (int column = 0; tree && column < model->columnCount(); ++column)
-        headers.append(model->headerData(column, Qt::Horizontal).toString());
-
     QVariantList rows;
     for (int row = 0; row < model->rowCount(); ++row) {
         QVariantList cells;
@@ -324,7 +293,7 @@ QVariant Inspector::view(const Question &question)
         }
         rows.append(QVariant(cells));
     }
-    return QVariantMap {{QStringLiteral("headers"), headers}, {QStringLiteral("rows"), rows}};
+    return rows;
 }
 
 QVariant Inspector::messageBox(const Question &)
@@ -341,15 +310,12 @@ QVariant Inspector::messageBox(const Question &)
     return QVariantMap {
             {QStringLiteral("title"), box->windowTitle()},
             {QStringLiteral("text"), box->text()},
-            {QStringLiteral("informativeText"), box->informativeText()},
             {QStringLiteral("icon"), static_cast<int>(box->icon())},
             {QStringLiteral("buttons"), buttons},
             {QStringLiteral("standardButtons"), static_cast<int>(box->standardButtons())},
             {QStringLiteral("defaultButton"), buttonText(box->defaultButton())},
-            {QStringLiteral("parentName"), parent ? parent->objectName() : QString()},
             {QStringLiteral("parentClass"),
-             parent ? QString::fromLatin1(parent->metaObject()->className()) : QString()},
-            {QStringLiteral("frameGeometry"), box->frameGeometry()}};
+             parent ? QString::fromLatin1(parent->metaObject()->className()) : QString()}};
 }
 
 QVariant Inspector::application(const Question &)
@@ -373,7 +339,7 @@ QVariant Inspector::application(const Question &)
                         {QStringLiteral("environment"),
                          QProcessEnvironment::systemEnvironment().toStringList()},
                         {QStringLiteral("objects"), objects.size()},
-                        {QStringLiteral("descriptors"), descriptorCount()},
+                        {QStringLiteral("descriptors"), openDescriptors()},
                         {QStringLiteral("children"), childNumbers()}};
 }
 
@@ -388,7 +354,7 @@ QVariant Inspector::openUrl(const Question &question)
     return QDesktopServices::openUrl(url);
 }
 
-QVariant Inspector::picture(const Question &question)
+QVariant Inspector::icon(const Question &question)
 {
     return QIcon(question.value(QStringLiteral("path")).toString()).pixmap(IconSize).toImage();
 }

@@ -10,14 +10,14 @@ class QWidget;
 
 /*!
     Answers questions about the program that it lives in, in the GUI thread, over a local socket:
-    the eyes of PanelProcess inside the unchanged panel.
+    what PanelProcess asks inside the unchanged panel.
 
     A question is a QVariantMap with the entries "ask" (one of the names in the constructor) and
     what that question needs; the answer is a QVariantMap with "value", and with "error" where the
     question could not be answered. Both travel in a QDataStream. While the GUI thread is blocked
     questions wait.
 
-    Objects are named by an address: steps parted by '/', each an object name or a class name
+    Objects are named by an address: steps separated by '/', each an object name or a class name
     (subclasses count), looked up among all descendants of the step before it; the first step is
     looked up among the top-level widgets and their descendants, visible windows first. "qApp" is
     the application object.
@@ -44,7 +44,6 @@ private:
 
     // The questions.
     QVariant count(const Question &question);
-    QVariant describe(const Question &question);
     QVariant property(const Question &question);
     QVariant setProperty(const Question &question);
     QVariant invoke(const Question &question);
@@ -57,7 +56,7 @@ private:
     QVariant messageBox(const Question &question);
     QVariant application(const Question &question);
     QVariant openUrl(const Question &question);
-    QVariant picture(const Question &question);
+    QVariant icon(const Question &question);
 
     QLocalServer m_server;
     QHash<QString, Answerer> m_answerers;

@@ -1,6 +1,9 @@
 #include "tests/support/LayoutDump.h"
 
+#include <QAbstractButton>
 #include <QBoxLayout>
+#include <QHash>
+#include <QLabel>
 #include <QMetaEnum>
 #include <QStyle>
 #include <QWidget>
@@ -103,4 +106,28 @@ QStringList namedChildren(const QObject &object)
             names.append(child->objectName());
     }
     return names;
+}
+
+QStringList formTexts(const QWidget &form)
+{
+    QStringList texts(form.windowTitle());
+    const QList<QWidget *> widgets = form.findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        if (qobject_cast<const QLabel *>(widget) || qobject_cast<const QAbstractButton *>(widget))
+            texts.append(widget->property("text").toString());
+    }
+    return texts;
+}
+
+QStringList formMembers(const void *ui, size_t size, const QWidget &form)
+{
+    QHash<const void *, QString> names;
+    const QObjectList objects = form.findChildren<QObject *>();
+    for (const QObject *object : objects)
+        names.insert(object, object->objectName());
+    QStringList members;
+    const auto *pointers = static_cast<const void *const *>(ui);
+    for (size_t i = 0; i < size / sizeof(void *); ++i)
+        members.append(names.value(pointers[i], QStringLiteral("spacer")));
+    return members;
 }

@@ -1,17 +1,31 @@
 #pragma once
 
-#include <QEvent>
-#include <QObject>
+#include <QCoreApplication>
+#include <QHash>
+#include <QPaintEvent>
+#include <QRegion>
 
-//! Counts the paint events of the widgets that it is installed on as an event filter.
+#include <numeric>
+
+//! Notes what of which widgets of this program is painted while it lives.
 class PaintCounter : public QObject
 {
 public:
-    int paints = 0;
+    PaintCounter() { QCoreApplication::instance()->installEventFilter(this); }
 
+    //! The paint events of each widget.
+    QHash<const QObject *, int> paints;
+    int total() const { return std::accumulate(paints.begin(), paints.end(), 0); }
+    //! What of each widget was to be painted.
+    QHash<const QObject *, QRegion> regions;
+
+protected:
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        paints += watched->isWidgetType() && event->type() == QEvent::Paint;
+        if (event->type() == QEvent::Paint) {
+            ++paints[watched];
+            regions[watched] += static_cast<QPaintEvent *>(event)->region();
+        }
         return false;
     }
 };

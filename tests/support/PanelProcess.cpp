@@ -12,13 +12,16 @@
 
 namespace {
 
-//! How many times as long as usual the panel may take; more than once where it runs under a
-//! checker.
-const int Patience = qMax(1, qEnvironmentVariableIntValue("PANEL_TEST_PATIENCE"));
-const int StartTimeoutMs = 30000 * Patience;
-const int ExitTimeoutMs = 30000 * Patience;
+constexpr int StartTimeoutMs = 30000;
+constexpr int ExitTimeoutMs = 30000;
 //! Longer than the panel ever blocks its own event loop.
-const int AnswerTimeoutMs = 30000 * Patience;
+constexpr int AnswerTimeoutMs = 30000;
+
+const QString Table = QStringLiteral("treeWidgetOW");
+const QString Notice = QStringLiteral("labelNoService");
+constexpr int PidColumn = 1;
+constexpr int HeaderHeight = 36;
+constexpr int HeaderAndRowHeight = 76;
 
 const QString Object = QStringLiteral("object");
 const QString Name = QStringLiteral("name");
@@ -242,7 +245,7 @@ QVariant PanelProcess::ask(const QString &what, QVariantMap question)
     stream << question;
     m_socket->flush();
 
-    // In one piece, so that a large picture is decoded once, when all of it is there.
+    // In one piece, so that a large image is decoded once, when all of it is there.
     QByteArray message;
     forever
     {
@@ -268,11 +271,6 @@ QVariant PanelProcess::ask(const QString &what, QVariantMap question)
 int PanelProcess::count(const QString &address)
 {
     return ask(QStringLiteral("count"), {{Object, address}}).toInt();
-}
-
-QVariantMap PanelProcess::describe(const QString &address)
-{
-    return ask(QStringLiteral("describe"), {{Object, address}}).toMap();
 }
 
 QVariant PanelProcess::property(const QString &address, const QByteArray &name)
@@ -322,8 +320,7 @@ QImage PanelProcess::grabScreen()
 QList<PanelProcess::Row> PanelProcess::rows(const QString &itemView)
 {
     QList<Row> result;
-    const QVariantMap view = ask(QStringLiteral("view"), {{Object, itemView}}).toMap();
-    const QVariantList rows = view.value(QStringLiteral("rows")).toList();
+    const QVariantList rows = ask(QStringLiteral("view"), {{Object, itemView}}).toList();
     for (const QVariant &row : rows) {
         Row cells;
         const QVariantList values = row.toList();
@@ -351,10 +348,25 @@ QList<QStringList> PanelProcess::rowTexts(const QString &itemView)
     return result;
 }
 
-QStringList PanelProcess::headers(const QString &treeView)
+QStringList PanelProcess::shownPids()
 {
-    const QVariantMap view = ask(QStringLiteral("view"), {{Object, treeView}}).toMap();
-    return view.value(QStringLiteral("headers")).toStringList();
+    QStringList result;
+    const QList<QStringList> rows = rowTexts(Table);
+    for (const QStringList &row : rows)
+        result.append(row.value(PidColumn));
+    return result;
+}
+
+bool PanelProcess::showsDaemon(qint64 pid)
+{
+    return !isExposed(Notice) && property(Table, "height") == QVariant(HeaderAndRowHeight)
+           && shownPids() == QStringList(QString::number(pid));
+}
+
+bool PanelProcess::showsNotice()
+{
+    return isExposed(Notice) && property(Table, "height") == QVariant(HeaderHeight)
+           && shownPids().isEmpty();
 }
 
 std::optional<PanelProcess::MessageBox> PanelProcess::messageBox()
@@ -364,14 +376,11 @@ std::optional<PanelProcess::MessageBox> PanelProcess::messageBox()
         return std::nullopt;
     return MessageBox {box.value(QStringLiteral("title")).toString(),
                        box.value(QStringLiteral("text")).toString(),
-                       box.value(QStringLiteral("informativeText")).toString(),
                        box.value(QStringLiteral("icon")).toInt(),
                        box.value(QStringLiteral("buttons")).toStringList(),
                        box.value(QStringLiteral("standardButtons")).toInt(),
                        box.value(QStringLiteral("defaultButton")).toString(),
-                       box.value(QStringLiteral("parentName")).toString(),
-                       box.value(QStringLiteral("parentClass")).toString(),
-                       box.value(QStringLiteral("frameGeometry")).toRect()};
+                       box.value(QStringLiteral("parentClass")).toString()};
 }
 
 QVariant PanelProcess::application(const QString &figure)
@@ -390,9 +399,9 @@ void PanelProcess::openUrlAtTheEnd(const QUrl &url)
         {{QStringLiteral("url"), url}, {QStringLiteral("atTheEnd"), true}});
 }
 
-QImage PanelProcess::picture(const QString &path)
+QImage PanelProcess::icon(const QString &path)
 {
-    return ask(QStringLiteral("picture"), {{QStringLiteral("path"), path}}).value<QImage>();
+    return ask(QStringLiteral("icon"), {{QStringLiteral("path"), path}}).value<QImage>();
 }
 
 void PanelProcess::xdotool(const QStringList &arguments)

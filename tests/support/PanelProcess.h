@@ -28,11 +28,11 @@ class QLocalSocket;
     A question that can't be answered (no such object, panel gone or blocked for over half a
     minute) fails the running test function and yields an invalid value.
 
-    Addresses of objects are steps parted by '/', each an object name or a class name, such as
+    Addresses of objects are steps separated by '/', each an object name or a class name, such as
     "ServiceContainer", "labelNoService" or "QMessageBox/QPushButton"; "qApp" is the application
     object.
 
-    The destructor ends the panel and every daemon that runs from its folder, by process number.
+    The destructor ends the panel and every daemon that runs from its folder, by PID.
 */
 class PanelProcess
 {
@@ -93,7 +93,7 @@ public:
     static constexpr int UsualRefreshMs = 3000;
     //! Short, and still long enough for what a refresh does.
     static constexpr int QuickRefreshMs = 500;
-    //! The panel's process number, while it runs.
+    //! The panel's PID, while it runs.
     qint64 pid() const;
     bool isRunning() const;
     //! Waits for the panel's end; returns its exit status, or nothing when it crashed or goes on.
@@ -103,7 +103,7 @@ public:
 
     // --- the daemon beside the panel
 
-    //! The process numbers of the daemons that run from the panel's folder.
+    //! The PIDs of the daemons that run from the panel's folder.
     QList<qint64> daemonPids() const;
     //! Whether a stand-in daemon of this folder has recorded its start.
     bool hasDaemonRecord() const;
@@ -116,8 +116,6 @@ public:
     //! How many objects \a address fits.
     int count(const QString &address);
     bool exists(const QString &address) { return count(address) > 0; }
-    //! "name", "class", "parentName" and "parentClass" of an object.
-    QVariantMap describe(const QString &address);
     //! A property, its type kept; icons as a QImage of 64 pixels, enumerations as int.
     QVariant property(const QString &address, const QByteArray &name);
     bool setProperty(const QString &address, const QByteArray &name, const QVariant &value);
@@ -143,20 +141,22 @@ public:
     QList<Row> rows(const QString &itemView);
     //! The texts of the top-level rows of an item view.
     QList<QStringList> rowTexts(const QString &itemView);
-    QStringList headers(const QString &treeView);
+    //! The PIDs in the rows of the run-status page.
+    QStringList shownPids();
+    //! Whether the run-status page shows the row of daemon \a pid and nothing else.
+    bool showsDaemon(qint64 pid);
+    //! Whether the run-status page shows the notice in the place of a row.
+    bool showsNotice();
 
     struct MessageBox
     {
         QString title;
         QString text;
-        QString informativeText;
         int icon; //!< QMessageBox::Icon
         QStringList buttons;
         int standardButtons; //!< QMessageBox::StandardButtons
         QString defaultButton; //!< the text of the one that was asked for, if any
-        QString parentName;
         QString parentClass;
-        QRect frameGeometry;
     };
     //! The modal message box that is open, if any.
     std::optional<MessageBox> messageBox();
@@ -164,15 +164,15 @@ public:
     /*!
         Figures of the whole program: "pid", "platform", "font", "overrideCursor" (Qt::CursorShape,
         -1 for none), "focus" (object name), "environment" (QStringList), "objects" (all QObjects
-        within reach), "descriptors", "children" (process numbers, zombies included).
+        within reach), "descriptors", "children" (PIDs, zombies included).
     */
     QVariant application(const QString &figure);
     //! Opens \a url as the panel's own code would; whether anything took it.
     bool openUrl(const QUrl &url);
     //! Opens \a url behind the event loop, when the window is destroyed.
     void openUrlAtTheEnd(const QUrl &url);
-    //! The picture at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
-    QImage picture(const QString &path);
+    //! The icon at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
+    QImage icon(const QString &path);
 
     // --- real input
 

@@ -3,7 +3,7 @@
 #include <QImage>
 
 /*!
-    The pointer's picture as the X server shows it at this moment, whichever program set it. Null
-    when the server can't be asked. The pictures of an animated cursor come in turn.
+    The pointer's image as the X server shows it at this moment, whichever program set it. Null
+    when the server can't be asked. The images of an animated cursor come in turn.
 */
 QImage shownCursor();

@@ -12,14 +12,3 @@ inline int roundsOr(int rounds)
     const int asked = qEnvironmentVariableIntValue("PANEL_TEST_ROUNDS", &isNumber);
     return isNumber && asked > 0 ? asked : rounds;
 }
-
-/*!
-    Where a test's random numbers start: what the variable PANEL_TEST_RANDOM says, to try a run
-    again, or \a number.
-*/
-inline quint32 randomStartOr(quint32 number)
-{
-    bool isNumber = false;
-    const int asked = qEnvironmentVariableIntValue("PANEL_TEST_RANDOM", &isNumber);
-    return isNumber ? static_cast<quint32>(asked) : number;
-}

@@ -1,6 +1,7 @@
 # What the scripts beside this one and .ci/run share. To be sourced with the project's folder in
 # $project.
 
+# shellcheck shell=bash disable=SC2154
 . "$project/scripts/packages.sh"
 
 say() {

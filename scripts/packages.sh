@@ -2,6 +2,7 @@
 # sourced.
 #
 # bash, grep and an awk are essential on Debian and not listed.
+# shellcheck shell=bash disable=SC2034
 
 # To build the panel.
 build_packages=(

@@ -3,6 +3,7 @@
 #include <QCursor>
 #include <QDataStream>
 #include <QDir>
+#include <QFileInfo>
 #include <QLocalSocket>
 #include <QTest>
 
@@ -22,6 +23,9 @@ const QString Notice = QStringLiteral("labelNoService");
 constexpr int PidColumn = 1;
 constexpr int HeaderHeight = 36;
 constexpr int HeaderAndRowHeight = 76;
+
+//! The installed panel that is tried in the place of the built one, if any.
+const QString Installed = QStringLiteral(PANEL_TEST_INSTALLED);
 
 const QString Object = QStringLiteral("object");
 const QString Name = QStringLiteral("name");
@@ -47,7 +51,13 @@ PanelProcess::PanelProcess(const QString &folderName)
 {
     if (!m_root.isValid() || !QDir().mkpath(m_folder))
         qFatal("can't make a folder for the panel");
-    copyProgram(PANEL_TEST_PROGRAM, QDir(m_folder).filePath(QStringLiteral("corvane-panel")));
+    if (Installed.isEmpty()) {
+        m_program = QDir(m_folder).filePath(QStringLiteral("corvane-panel"));
+        copyProgram(PANEL_TEST_PROGRAM, m_program);
+    } else {
+        m_program = Installed;
+        m_folder = QFileInfo(QFileInfo(Installed).canonicalFilePath()).path();
+    }
 
     m_environment.insert(QStringLiteral("QT_PLUGIN_PATH"), pluginPath());
     m_environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"),
@@ -68,6 +78,8 @@ PanelProcess::~PanelProcess()
         if (!QTest::qWaitFor([&process] { return !QFile::exists(process); }, ExitTimeoutMs))
             qFatal("the daemon doesn't end");
     }
+    for (const char *suffix : {"", ".conf", ".record"})
+        QFile::remove(daemonPath() + QLatin1String(suffix));
 }
 
 QString PanelProcess::folder() const
@@ -137,7 +149,7 @@ bool PanelProcess::start(const QStringList &arguments)
 {
     m_process.setProcessEnvironment(m_environment);
     QStringList command = m_launcher;
-    command.append(QDir(m_folder).filePath(QStringLiteral("corvane-panel")));
+    command.append(m_program);
     command.append(arguments);
     m_process.start(command.takeFirst(), command);
     if (m_process.waitForStarted() && connectToInspector()

@@ -21,9 +21,10 @@ class QLocalSocket;
 
 /*!
     The real panel, run in a folder of the test's own: a copy of the executable and, where the test
-    puts one there, of the stand-in daemon beside it. A plug-in that Qt loads into the unchanged
-    program (see Inspector) answers questions about it; the mouse and the keyboard are real input
-    through the X server.
+    puts one there, of the stand-in daemon beside it. Where PANEL_TEST_INSTALLED names an installed
+    panel, that one is run, and its daemon goes into the folder that it is installed in. A plug-in
+   that Qt loads into the unchanged program (see Inspector) answers questions about it; the mouse
+   and the keyboard are real input through the X server.
 
     A question that can't be answered (no such object, panel gone or blocked for over half a
     minute) fails the running test function and yields an invalid value.
@@ -194,6 +195,7 @@ private:
 
     QTemporaryDir m_root;
     QString m_folder;
+    QString m_program;
     QString m_socketPath;
     QString m_errorPath;
     QStringList m_launcher;

@@ -162,6 +162,8 @@ void FancyButton::setRound(bool round)
 // Without the base's handler, which would announce the default action to the status bar.
 void FancyButton::enterEvent(QEvent *)
 {
+    // A style that the application has left takes the attribute away.
+    setAttribute(Qt::WA_Hover);
     if (d && isEnabled())
         d->m_bMouseHover = true;
 }

@@ -32,6 +32,14 @@ struct Border
 
 constexpr Qt::Edges AllEdges = Qt::LeftEdge | Qt::TopEdge | Qt::RightEdge | Qt::BottomEdge;
 
+//! The background that the style sheet of a table sets for the sections of its header.
+QColor sectionColor(const QWidget &table)
+{
+    static const QRegularExpression section(
+            QStringLiteral("QHeaderView::section \\{[^}]*background-color: ([#\\w]+)"));
+    return QColor(section.match(table.styleSheet()).captured(1));
+}
+
 Border sheetBorder(const QWidget &widget)
 {
     static const QRegularExpression border(QStringLiteral("border: 1px solid ([#\\w]+)"));
@@ -54,17 +62,10 @@ public:
     {
     }
 
-    //! As many device pixels as Qt makes of \a pixels at most, so that the line covers Qt's own.
-    int covering(int pixels) const { return int(std::ceil(pixels * m_ratio)); }
     int nearest(int pixels) const { return std::max(1, qRound(pixels * m_ratio)); }
 
-    //! From the first pixel on whose centre lies in \a rect, where Qt's painting begins too.
-    QRect toDevice(const QRect &rect) const
-    {
-        const QRectF exact = m_toDevice.mapRect(QRectF(rect));
-        const auto first = [](qreal edge) { return int(std::ceil(edge - 0.5)); };
-        return between(exact, first);
-    }
+    //! Rounded as Qt rounds what it fills, and what it clips a widget to.
+    QRect toDevice(const QRect &rect) const { return m_toDevice.mapRect(QRectF(rect)).toRect(); }
 
     void fill(const QRect &deviceRect, const QColor &color)
     {
@@ -74,10 +75,9 @@ public:
     //! Lines of 1 pixel along \a edges, inside of \a widget.
     void frame(const QWidget &widget, const QColor &color, Qt::Edges edges)
     {
-        // Rounded as Qt rounds what it clips the widget to.
-        const QRect outer = between(m_toDevice.mapRect(QRectF(widget.rect())),
-                                    [](qreal edge) { return qRound(edge); });
-        const int width = covering(1);
+        const QRect outer = toDevice(widget.rect());
+        // No thinner than what Qt's own line may touch, which is half a pixel off at most.
+        const int width = int(std::ceil(m_ratio + 0.5));
         if (edges.testFlag(Qt::LeftEdge))
             fill({outer.left(), outer.top(), width, outer.height()}, color);
         if (edges.testFlag(Qt::RightEdge))
@@ -89,13 +89,6 @@ public:
     }
 
 private:
-    template<typename Round>
-    static QRect between(const QRectF &exact, Round round)
-    {
-        return {QPoint(round(exact.left()), round(exact.top())),
-                QPoint(round(exact.right()) - 1, round(exact.bottom()) - 1)};
-    }
-
     QPainter m_painter;
     QTransform m_toDevice;
     QTransform m_toWidget;
@@ -114,18 +107,24 @@ void paintSeparator(QFrame &line)
     painter.fill(rect, line.palette().color(QPalette::Dark));
 }
 
-//! The gaps of 2 pixels between the columns of \a header, and those along \a edges, on \a viewport.
-void paintGaps(const QHeaderView &header, QWidget &viewport, Qt::Edges edges)
+/*!
+    The gaps of 2 pixels between the columns of \a header, and those along \a edges, on \a viewport.
+    \a cellColor is that of cells whose edges Qt blurs; it is invalid where it doesn't.
+*/
+void paintGaps(const QHeaderView &header, QWidget &viewport, Qt::Edges edges,
+               const QColor &cellColor)
 {
     DevicePainter painter(&viewport);
     const QColor color = viewport.palette().color(QPalette::Base);
-    painter.frame(viewport, color, edges);
     for (int visual = 1; visual < header.count(); ++visual) {
         const int edge = header.sectionViewportPosition(header.logicalIndex(visual));
         QRect gap = painter.toDevice({edge - 1, 0, 2, viewport.height()});
-        gap.setWidth(painter.covering(2));
+        gap.setWidth(painter.nearest(2));
+        if (cellColor.isValid())
+            painter.fill(gap.adjusted(-1, 0, 1, 0), cellColor);
         painter.fill(gap, color);
     }
+    painter.frame(viewport, color, edges);
 }
 
 } // namespace
@@ -168,10 +167,10 @@ bool DeviceLines::eventFilter(QObject *watched, QEvent *event)
     QCoreApplication::sendEvent(watched, event);
     m_isForwarding = false;
     if (const auto *header = qobject_cast<QHeaderView *>(widget->parentWidget())) {
-        paintGaps(*header, *widget, AllEdges);
+        paintGaps(*header, *widget, AllEdges, sectionColor(*header->parentWidget()));
     } else if (const auto *tree = qobject_cast<QTreeView *>(widget->parentWidget())) {
         // Its last row reaches to the very bottom.
-        paintGaps(*tree->header(), *widget, AllEdges & ~Qt::BottomEdge);
+        paintGaps(*tree->header(), *widget, AllEdges & ~Qt::BottomEdge, QColor());
     } else {
         const Border border = sheetBorder(*widget);
         DevicePainter(widget).frame(*widget, border.color, border.edges);

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr int TitleBarHeight = 32;
+constexpr int MediumLightness = 128;
 constexpr QRgb TitleBarGrey = qRgb(216, 217, 218);
 
 } // namespace
@@ -56,11 +57,7 @@ ServiceContainer::ServiceContainer(QWidget *parent)
 
     ui->stackedWidget->addWidget(new OverviewForm(ui->stackedWidget));
     ui->stackedWidget->addWidget(new SettingsForm(ui->stackedWidget));
-    // One by one: below a style sheet Qt hands no palette on.
-    const QList<QWidget *> pageWidgets = ui->stackedWidget->findChildren<QWidget *>();
-    for (QWidget *widget : pageWidgets)
-        widget->setPalette(pagePalette());
-    fitStyle();
+    fitToTheme();
     new DeviceLines(ui->stackedWidget);
 
     connect(tab, &TabTitle::tabIndexChanged, this, &ServiceContainer::onTabIndexChanged);
@@ -83,8 +80,29 @@ bool ServiceContainer::inTitleBarDraggableArea(const QPoint &pos) const
 void ServiceContainer::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::StyleChange)
-        fitStyle();
+    // Queued: the style sheets below the window follow the new theme, too, and set palettes by it.
+    if (event->type() == QEvent::StyleChange || event->type() == QEvent::ApplicationPaletteChange)
+        QMetaObject::invokeMethod(this, &ServiceContainer::fitToTheme, Qt::QueuedConnection);
+}
+
+//! Keeps the white page readable in the desktop's present theme.
+void ServiceContainer::fitToTheme()
+{
+    fitStyle();
+    const QPalette page = pagePalette();
+    const QList<QWidget *> widgets = ui->stackedWidget->findChildren<QWidget *>();
+    // One by one: below a style sheet Qt hands no palette on.
+    for (QWidget *widget : widgets) {
+        // Message boxes follow the desktop.
+        QPalette palette = QApplication::palette(widget);
+        if (widget->window() == this) {
+            // What a style sheet has chosen stays. The rest counts as chosen, too, so that none of
+            // it follows the desktop.
+            palette = widget->palette().resolve(page);
+            palette.resolve(~0U);
+        }
+        widget->setPalette(palette);
+    }
 }
 
 /*!
@@ -93,7 +111,6 @@ void ServiceContainer::changeEvent(QEvent *event)
 */
 void ServiceContainer::fitStyle()
 {
-    constexpr int MediumLightness = 128;
     const QColor background = QApplication::style()->standardPalette().color(QPalette::Window);
     const bool isDark = background.lightness() < MediumLightness;
     if (isDark == bool(lightStyle))

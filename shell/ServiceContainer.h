@@ -35,7 +35,7 @@ public:
     bool inTitleBarDraggableArea(const QPoint &pos) const;
 
 protected:
-    //! Keeps the window readable when the desktop's style changes.
+    //! Keeps the window readable when the desktop's theme changes.
     void changeEvent(QEvent *event) override;
 
 public slots:
@@ -43,6 +43,7 @@ public slots:
     void onTabIndexChanged(int index);
 
 private:
+    void fitToTheme();
     void fitStyle();
 
     Ui_ServiceContainer *ui;

@@ -18,7 +18,5 @@ QPalette pagePalette()
     QPalette palette = style->standardPalette();
     palette.setColor(QPalette::Active, QPalette::Highlight, QColor(SelectionColor));
     palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(SelectionColor));
-    // Every colour counts as chosen, so that none follows the desktop's.
-    palette.resolve(~0U);
     return palette;
 }

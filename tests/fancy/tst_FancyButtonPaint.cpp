@@ -286,11 +286,11 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp_data()
 
     for (const bool on : {false, true}) {
         for (const QPoint &place : {QPoint(0, 0), QPoint(7, 5), QPoint(10, 9)}) {
-            const auto row = [=](const char *name, const QSize &button, const QSize &icon,
+            const auto row = [=](const char *name, const QSize &outer, const QSize &icon,
                                  const QPoint &corner) {
                 QTest::addRow("%s at %d, %d, %s", name, place.x(), place.y(),
                               on ? "with" : "without")
-                        << button << icon << corner << place << on;
+                        << outer << icon << corner << place << on;
             };
             row("square", {48, 32}, {16, 16}, {16, 8});
             row("oblong", {48, 32}, {25, 9}, {11, 11});

@@ -23,7 +23,7 @@ constexpr QRgb ActiveTab = qRgb(255, 255, 255);
 constexpr QRgb InactiveTab = qRgb(215, 215, 222);
 constexpr double LegibleContrast = 3.0;
 constexpr QSize HeaderIconSize(18, 17);
-constexpr int IcoSizes[] = {16, 24, 32, 48, 64};
+constexpr int IcoSizes[] = {16, 24, 32, 40, 48, 56, 64, 96};
 constexpr int IcoCount = std::size(IcoSizes);
 
 const QString Folder = QStringLiteral(":/client/resources/");
@@ -154,7 +154,7 @@ void tst_Icons::icoHoldsEachSize_data()
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
-// The buttons' icons are 32 pixels: 64 at ratio 2, 48 at ratio 1.5. None may be scaled.
+// The buttons' icons are 32 pixels: 40 at a ratio of 1.25, and so on to 96 at 3.
 void tst_Icons::icoHoldsEachSize()
 {
     QFETCH(const QString, name);

@@ -143,10 +143,10 @@ void tst_SettingsFile::loadsRanges_data()
 void tst_SettingsFile::loadsNumberTexts_data()
 {
     loadColumns();
-    for (const QByteArray &text :
+    for (const char *text :
          {"-20", "0x14", "20.0", "20.5", "2e1", "", "99999999999999999999", "2147483648", "true",
           "10, 20", "1 5", "20days", "\xEF\xBC\x92\xEF\xBC\x90", "@Invalid()"})
-        loadRow("rejected: " + text, oneKey("log", "days", text), defaults());
+        loadRow(QByteArray("rejected: ") + text, oneKey("log", "days", text), defaults());
 
     const QByteArray twenty = oneKey("log", "days", "20");
     const QStringList shows = defaultsBut(LogDays, QStringLiteral("20"));

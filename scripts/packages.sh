@@ -49,15 +49,9 @@ test_packages=(
     metacity
     at-spi2-core
     python3-pyatspi
-    appstream
-    desktop-file-utils
-    dpkg-dev
-    fakeroot
     file
     icoutils
     librsvg2-bin
-    lintian
-    man-db
 )
 
 # To hold it to its standards: formatter, linter, sanitizers' second compiler.
@@ -67,6 +61,8 @@ check_packages=(
     clang-tidy
     clazy
     git
+    pre-commit
+    shellcheck
 )
 
 # To measure it.

@@ -29,8 +29,8 @@ constexpr std::array<const char *, 4> ScalingVariables = {
 constexpr const char *ScaleVariable = ScalingVariables[0];
 constexpr const char *FontVariable = "QT_FONT_DPI";
 
-constexpr char DpiResource[] = "Xft.dpi:";
-constexpr char WorkAreaAtom[] = "_NET_WORKAREA";
+constexpr const char *DpiResource = "Xft.dpi:";
+constexpr const char *WorkAreaAtom = "_NET_WORKAREA";
 //! In units of four bytes: more than any resource database holds.
 constexpr uint32_t MaximumPropertyLength = 1 << 20;
 
@@ -64,7 +64,7 @@ qreal textDpi(const QByteArray &resources)
     const QList<QByteArray> lines = resources.split('\n');
     for (const QByteArray &line : lines) {
         if (line.startsWith(DpiResource))
-            return line.mid(int(sizeof DpiResource) - 1).trimmed().toDouble();
+            return line.mid(int(qstrlen(DpiResource))).trimmed().toDouble();
     }
     return 0;
 }
@@ -105,7 +105,8 @@ QRect primaryMonitor(xcb_connection_t *server, xcb_window_t root)
 QRect managedArea(xcb_connection_t *server, xcb_window_t root)
 {
     const Owned<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-            server, xcb_intern_atom(server, 1, sizeof WorkAreaAtom - 1, WorkAreaAtom), nullptr));
+            server, xcb_intern_atom(server, 1, uint16_t(qstrlen(WorkAreaAtom)), WorkAreaAtom),
+            nullptr));
     if (!atom || atom->atom == XCB_ATOM_NONE)
         return {};
     // One rectangle for each virtual desktop. The first stands for all.

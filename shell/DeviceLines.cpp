@@ -37,7 +37,7 @@ QColor sectionColor(const QWidget &table)
 {
     static const QRegularExpression section(
             QStringLiteral("QHeaderView::section \\{[^}]*background-color: ([#\\w]+)"));
-    return QColor(section.match(table.styleSheet()).captured(1));
+    return {section.match(table.styleSheet()).captured(1)};
 }
 
 Border sheetBorder(const QWidget &widget)
@@ -72,12 +72,14 @@ public:
         m_painter.fillRect(m_toWidget.mapRect(QRectF(deviceRect)), color);
     }
 
-    //! Lines of 1 pixel along \a edges, inside of \a widget.
-    void frame(const QWidget &widget, const QColor &color, Qt::Edges edges)
+    //! How thick a line of 1 pixel is that covers Qt's own, which is half a device pixel off at
+    //! most.
+    int covering() const { return int(std::ceil(m_ratio + 0.5)); }
+
+    //! Lines along \a edges, inside of \a widget, \a width device pixels thick.
+    void frame(const QWidget &widget, const QColor &color, int width, Qt::Edges edges = AllEdges)
     {
         const QRect outer = toDevice(widget.rect());
-        // No thinner than what Qt's own line may touch, which is half a pixel off at most.
-        const int width = int(std::ceil(m_ratio + 0.5));
         if (edges.testFlag(Qt::LeftEdge))
             fill({outer.left(), outer.top(), width, outer.height()}, color);
         if (edges.testFlag(Qt::RightEdge))
@@ -124,7 +126,7 @@ void paintGaps(const QHeaderView &header, QWidget &viewport, Qt::Edges edges,
             painter.fill(gap.adjusted(-1, 0, 1, 0), cellColor);
         painter.fill(gap, color);
     }
-    painter.frame(viewport, color, edges);
+    painter.frame(viewport, color, painter.covering(), edges);
 }
 
 } // namespace
@@ -149,16 +151,18 @@ bool DeviceLines::eventFilter(QObject *watched, QEvent *event)
     if (!widget || event->type() != QEvent::Paint || m_isForwarding)
         return QObject::eventFilter(watched, event);
     const qreal ratio = widget->devicePixelRatioF();
+    auto *frame = qobject_cast<QFrame *>(widget);
+    // Styles draw a frame astride its edge, and so cut it off, at any ratio above 1.
+    if (frame && isPlainFrame(*frame) && ratio > 1) {
+        DevicePainter painter(frame);
+        painter.frame(*frame, frame->palette().color(QPalette::Mid), painter.nearest(1));
+        return true;
+    }
     if (qFuzzyCompare(ratio, std::round(ratio)))
         return QObject::eventFilter(watched, event);
 
-    auto *frame = qobject_cast<QFrame *>(widget);
     if (frame && isSeparator(*frame)) {
         paintSeparator(*frame);
-        return true;
-    }
-    if (frame && isPlainFrame(*frame)) {
-        DevicePainter(frame).frame(*frame, frame->palette().color(QPalette::Mid), AllEdges);
         return true;
     }
 
@@ -173,7 +177,8 @@ bool DeviceLines::eventFilter(QObject *watched, QEvent *event)
         paintGaps(*tree->header(), *widget, AllEdges & ~Qt::BottomEdge, QColor());
     } else {
         const Border border = sheetBorder(*widget);
-        DevicePainter(widget).frame(*widget, border.color, border.edges);
+        DevicePainter painter(widget);
+        painter.frame(*widget, border.color, painter.covering(), border.edges);
     }
     return true;
 }

@@ -120,6 +120,12 @@ void ServiceContainer::fitStyle()
     if (lightStyle)
         lightStyle->setParent(this);
     setStyle(lightStyle);
+    // A widget with a style sheet of its own takes no style over from its parent.
+    const QList<QWidget *> widgets = findChildren<QWidget *>();
+    for (QWidget *widget : widgets) {
+        if (widget->window() == this && !widget->styleSheet().isEmpty())
+            widget->setStyle(lightStyle);
+    }
     delete former;
 }
 

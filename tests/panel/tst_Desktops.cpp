@@ -1,4 +1,5 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/ServerWindow.h"
 #include "tests/support/contrast.h"
 
 #include <QGuiApplication>
@@ -36,6 +37,8 @@ constexpr int BoxTimeoutMs = 20000;
 constexpr int ShowTimeoutMs = 20000;
 //! Right of it there is nothing but text in a button.
 constexpr int ButtonTextOnly = 80;
+constexpr int CheckBoxWidth = 24;
+constexpr int CheckBoxTextWidth = 50;
 
 QImage screenshot()
 {
@@ -131,6 +134,8 @@ private slots:
     void isReadableInEveryTheme_data();
     void isReadableInEveryTheme();
     void staysReadableWhenTheThemeChanges();
+    void settingsPageIsReadableAndWhole_data();
+    void settingsPageIsReadableAndWhole();
     void dragsDontDrift_data();
     void dragsDontDrift();
 
@@ -150,6 +155,7 @@ private:
     void checkLines();
     void openBox();
     void checkBox();
+    void keepScreenshot();
 
     std::unique_ptr<PanelProcess> m_panel;
     QImage m_screen;
@@ -209,19 +215,7 @@ bool tst_Desktops::start()
 
 QRect tst_Desktops::onServer()
 {
-    QProcess xwininfo;
-    xwininfo.start(QStringLiteral("xwininfo"),
-                   {QStringLiteral("-id"), QString::number(m_panel->windowId(Window))});
-    xwininfo.waitForFinished();
-    const QString output = QString::fromUtf8(xwininfo.readAllStandardOutput());
-    const auto figure = [&output](const char *name) {
-        return QRegularExpression(QLatin1String(name) + QStringLiteral(":\\s+(-?\\d+)"))
-                .match(output)
-                .captured(1)
-                .toInt();
-    };
-    return {figure("Absolute upper-left X"), figure("Absolute upper-left Y"), figure("Width"),
-            figure("Height")};
+    return serverWindow(m_panel->windowId(Window)).geometry;
 }
 
 QRect tst_Desktops::onServer(const QRect &rect)
@@ -345,6 +339,17 @@ void tst_Desktops::checkLines()
     }
 }
 
+//! Saves the window as it was last seen, for looking at, where scripts/pictures.sh asks for it.
+void tst_Desktops::keepScreenshot()
+{
+    const QString folder = qEnvironmentVariable("PANEL_TEST_PICTURES");
+    if (folder.isEmpty())
+        return;
+    const QString name = QString::fromLatin1(QTest::currentDataTag())
+                                 .replace(QLatin1Char(' '), QLatin1Char('-'));
+    QVERIFY(m_screen.copy(onServer()).save(QStringLiteral("%1/desktop-%2.png").arg(folder, name)));
+}
+
 //! Has the panel tell that nothing needs repair.
 void tst_Desktops::openBox()
 {
@@ -364,6 +369,7 @@ void tst_Desktops::checkBox()
         };
         QTRY_VERIFY2(shownContrast() >= TextContrast, qPrintable(part));
     }
+    keepScreenshot();
     PanelProcess::pressKeys("Return");
     QTRY_VERIFY(!m_panel->messageBox());
 }
@@ -403,6 +409,7 @@ void tst_Desktops::isScaledAndWhole()
 
     QCOMPARE(onServer().size(), size);
     QCOMPARE(m_panel->property(Window, "size").toSize(), WindowSize);
+    keepScreenshot();
     checkTexts();
     checkRow();
     checkLines();
@@ -518,6 +525,58 @@ void tst_Desktops::staysReadableWhenTheThemeChanges()
     QTRY_COMPARE(screenshot(), std::exchange(m_screen, screenshot()));
     checkTexts();
     checkRow();
+}
+
+void tst_Desktops::settingsPageIsReadableAndWhole_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QString>("value");
+
+    QTest::newRow("light") << "QT_STYLE_OVERRIDE"
+                           << "Fusion";
+    QTest::newRow("adwaita-dark") << "QT_STYLE_OVERRIDE"
+                                  << "adwaita-dark";
+    QTest::newRow("dark qt5ct") << "QT_QPA_PLATFORMTHEME"
+                                << "qt5ct";
+    for (const char *factor : {"1.25", "1.5", "1.75", "2", "3"})
+        QTest::newRow(factor) << "QT_SCALE_FACTOR" << QString::fromLatin1(factor);
+}
+
+// Its tab is hidden in this build: it is brought to the front from inside.
+void tst_Desktops::settingsPageIsReadableAndWhole()
+{
+    QFETCH(QString, variable);
+    QFETCH(QString, value);
+    setQt5ct("darker");
+    m_panel->environment().insert(variable, value);
+    QVERIFY(start());
+    QVERIFY(m_panel->setProperty(QStringLiteral("stackedWidget"), "currentIndex", 1));
+    QTRY_VERIFY(m_panel->isExposed(QStringLiteral("SettingsForm")));
+    QTRY_COMPARE(screenshot(), std::exchange(m_screen, screenshot()));
+    keepScreenshot();
+
+    for (const char *name :
+         {"label", "label_6", "label_7", "label_8", "label_9", "label_10", "label_16", "cbRpcLog",
+          "cbLogLevel", "spinLogDays", "spinRpcTimeout", "spinUpload"}) {
+        QRect place = m_panel->globalRect(QStringLiteral("SettingsForm/") + QLatin1String(name));
+        if (qstrcmp(name, "cbRpcLog") == 0)
+            place = {place.left() + CheckBoxWidth, place.top(), CheckBoxTextWidth, place.height()};
+        else if (name[0] != 'l') // without the frame and the arrows
+            place.adjust(4, 5, -20, -5);
+        const QImage image = m_screen.copy(onServer(place));
+        QVERIFY2(textContrast(image) >= TextContrast, name);
+    }
+
+    const double ratio = double(onServer().width()) / WindowSize.width();
+    for (const char *name : {"frame", "frame_2", "frame_3"}) {
+        const QImage image = shown(QStringLiteral("SettingsForm/") + QLatin1String(name));
+        const QVector<QRgb> across = line(image, image.height() / 2);
+        const QVector<QRgb> down = column(image, image.width() / 2);
+        for (const auto &pixels : {across, reversed(across), down, reversed(down)}) {
+            QVERIFY2(pixels.first() != White, name);
+            QCOMPARE(run(pixels, pixels.first()), qRound(ratio));
+        }
+    }
 }
 
 void tst_Desktops::dragsDontDrift_data()

@@ -89,7 +89,6 @@ void ServiceContainer::changeEvent(QEvent *event)
 void ServiceContainer::fitToTheme()
 {
     fitStyle();
-    const QPalette page = pagePalette();
     const QList<QWidget *> widgets = ui->stackedWidget->findChildren<QWidget *>();
     // One by one: below a style sheet Qt hands no palette on.
     for (QWidget *widget : widgets) {
@@ -98,7 +97,7 @@ void ServiceContainer::fitToTheme()
         if (widget->window() == this) {
             // What a style sheet has chosen stays. The rest counts as chosen, too, so that none of
             // it follows the desktop.
-            palette = widget->palette().resolve(page);
+            palette = widget->palette().resolve(pagePalette(*widget));
             palette.resolve(~0U);
         }
         widget->setPalette(palette);

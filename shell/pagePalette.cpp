@@ -1,5 +1,6 @@
 #include "shell/pagePalette.h"
 
+#include <QLineEdit>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -12,11 +13,18 @@ constexpr QRgb SelectionColor = qRgb(0x00, 0x78, 0xd4);
 
 } // namespace
 
-QPalette pagePalette()
+QPalette pagePalette(const QWidget &widget)
 {
-    const std::unique_ptr<QStyle> style(QStyleFactory::create(QStringLiteral("Fusion")));
-    QPalette palette = style->standardPalette();
-    palette.setColor(QPalette::Active, QPalette::Highlight, QColor(SelectionColor));
-    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(SelectionColor));
+    static const QPalette light = [] {
+        const std::unique_ptr<QStyle> style(QStyleFactory::create(QStringLiteral("Fusion")));
+        return style->standardPalette();
+    }();
+
+    QPalette palette = light;
+    // Not elsewhere: styles make the looks of a focused button of that colour.
+    if (qobject_cast<const QLineEdit *>(&widget)) {
+        palette.setColor(QPalette::Active, QPalette::Highlight, QColor(SelectionColor));
+        palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(SelectionColor));
+    }
     return palette;
 }

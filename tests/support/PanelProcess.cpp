@@ -25,7 +25,7 @@ constexpr int HeaderHeight = 36;
 constexpr int HeaderAndRowHeight = 76;
 
 //! The installed panel that is tried in the place of the built one, if any.
-const QString Installed = QStringLiteral(PANEL_TEST_INSTALLED);
+const QString Installed = QString::fromUtf8(PANEL_TEST_INSTALLED);
 
 const QString Object = QStringLiteral("object");
 const QString Name = QStringLiteral("name");

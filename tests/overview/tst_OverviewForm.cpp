@@ -7,6 +7,8 @@
 #include "tests/support/rounds.h"
 #include "ui_OverviewForm.h"
 
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 
@@ -100,6 +102,8 @@ private slots:
     void shape();
     void tablesAreSetUp_data();
     void tablesAreSetUp();
+    void columnsShareTheWidth_data();
+    void columnsShareTheWidth();
     void nodePartIsHidden();
     void commands();
     void situations_data();
@@ -188,6 +192,40 @@ void tst_OverviewForm::tablesAreSetUp()
     QCOMPARE(tree->header()->sectionsMovable(), false);
     QCOMPARE(tree->selectionMode(), QAbstractItemView::NoSelection);
     QCOMPARE(tree->topLevelItemCount(), 0);
+}
+
+void tst_OverviewForm::columnsShareTheWidth_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<bool>("isEven");
+
+    QTest::newRow("as large as usual") << 800 << true;
+    QTest::newRow("one column needs more than its share") << 400 << false;
+}
+
+void tst_OverviewForm::columnsShareTheWidth()
+{
+    QFETCH(int, width);
+    QFETCH(bool, isEven);
+    arrange(Situations[2]);
+    OverviewForm page;
+    page.resize(width, 600);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QCOMPARE(page.width(), width);
+
+    for (int round = 0; round < 2; ++round) {
+        const auto *tree = page.findChild<QTreeWidget *>(QStringLiteral("treeWidgetOW"));
+        const QHeaderView *header = tree->header();
+        const int share = tree->viewport()->width() / header->count();
+        QCOMPARE(header->length(), tree->viewport()->width());
+        QCOMPARE(tree->horizontalScrollBar()->maximum(), 0);
+        for (int column = 0; column < header->count(); ++column) {
+            QVERIFY(header->sectionSize(column) >= header->sectionSizeHint(column));
+            QVERIFY(!isEven || qAbs(header->sectionSize(column) - share) <= 1);
+        }
+        refresh(page);
+    }
 }
 
 void tst_OverviewForm::nodePartIsHidden()

@@ -129,7 +129,8 @@ private slots:
     void isScaledAndWhole();
     void goesByWhatQtWasTold_data();
     void goesByWhatQtWasTold();
-    void fitsTheScreen();
+    void fitsTheWorkArea_data();
+    void fitsTheWorkArea();
     void childrenKnowNothingOfTheScale();
     void isReadableInEveryTheme_data();
     void isReadableInEveryTheme();
@@ -141,6 +142,7 @@ private slots:
 
 private:
     void setTextDpi(const QByteArray &dpi);
+    static void setWorkArea(const QString &area);
     void setQt5ct(const QByteArray &scheme);
     bool start();
     //! The window's place on the server, in device pixels.
@@ -183,6 +185,16 @@ void tst_Desktops::setTextDpi(const QByteArray &dpi)
     xrdb.closeWriteChannel();
     QVERIFY(xrdb.waitForFinished());
     QCOMPARE(xrdb.exitCode(), 0);
+}
+
+//! What the window manager would tell of panels and docks.
+void tst_Desktops::setWorkArea(const QString &area)
+{
+    const QString property = QStringLiteral("_NET_WORKAREA");
+    QCOMPARE(QProcess::execute(QStringLiteral("xprop"),
+                               {QStringLiteral("-root"), QStringLiteral("-f"), property,
+                                QStringLiteral("32c"), QStringLiteral("-set"), property, area}),
+             0);
 }
 
 //! Makes \a scheme the colours of the desktop, by way of qt5ct.
@@ -449,12 +461,31 @@ void tst_Desktops::goesByWhatQtWasTold()
     QVERIFY(environment.contains(variable + QLatin1Char('=') + value) || value.isEmpty());
 }
 
-void tst_Desktops::fitsTheScreen()
+void tst_Desktops::fitsTheWorkArea_data()
 {
+    QTest::addColumn<QByteArray>("dpi");
+    QTest::addColumn<QString>("workArea");
+    QTest::addColumn<double>("scale");
+
     // The test's own screen has room for a scale of 3, but not of 4.
-    setTextDpi("384");
+    QTest::newRow("screen") << QByteArray("384") << QString() << 3.25;
+    QTest::newRow("exact") << QByteArray("192") << QStringLiteral("0, 48, 1600, 1200") << 2.0;
+    QTest::newRow("too low") << QByteArray("192") << QStringLiteral("0, 48, 1920, 1199") << 1.75;
+    QTest::newRow("tiny") << QByteArray("192") << QStringLiteral("0, 0, 640, 480") << 1.0;
+}
+
+void tst_Desktops::fitsTheWorkArea()
+{
+    QFETCH(QByteArray, dpi);
+    QFETCH(QString, workArea);
+    QFETCH(double, scale);
+    setTextDpi(dpi);
+    if (!workArea.isEmpty())
+        setWorkArea(workArea);
     QVERIFY(start());
-    QCOMPARE(onServer().size(), WindowSize * 3.25);
+    QCOMPARE(onServer().size(), WindowSize * scale);
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    setWorkArea(QStringLiteral("0, 0, %1, %2").arg(screen.width()).arg(screen.height()));
 }
 
 void tst_Desktops::childrenKnowNothingOfTheScale()

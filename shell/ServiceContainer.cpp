@@ -20,6 +20,8 @@ namespace {
 
 constexpr int TitleBarHeight = 32;
 constexpr int MediumLightness = 128;
+//! Of this grey, black and white have the same contrast.
+constexpr int MediumGray = 117;
 constexpr QRgb TitleBarGrey = qRgb(216, 217, 218);
 
 } // namespace
@@ -89,6 +91,7 @@ void ServiceContainer::changeEvent(QEvent *event)
 void ServiceContainer::fitToTheme()
 {
     fitStyle();
+    fitButtonsOfBoxes();
     const QList<QWidget *> widgets = ui->stackedWidget->findChildren<QWidget *>();
     // One by one: below a style sheet Qt hands no palette on.
     for (QWidget *widget : widgets) {
@@ -102,6 +105,22 @@ void ServiceContainer::fitToTheme()
         }
         widget->setPalette(palette);
     }
+}
+
+/*!
+    Some styles write the text of a focused button in the colour of selected text, and few desktops
+    care for its contrast. The message boxes' buttons get black where that reads better.
+*/
+void ServiceContainer::fitButtonsOfBoxes()
+{
+    QPalette palette = QApplication::palette("QPushButton");
+    const QColor background = palette.color(QPalette::Active, QPalette::Highlight);
+    const QColor text = palette.color(QPalette::Active, QPalette::HighlightedText);
+    // A background of medium lightness goes better with black than with white.
+    if (qGray(background.rgb()) < MediumGray || text == Qt::black)
+        return;
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    QApplication::setPalette(palette, "QPushButton");
 }
 
 /*!

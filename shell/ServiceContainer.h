@@ -45,6 +45,7 @@ public slots:
 private:
     void fitToTheme();
     void fitStyle();
+    static void fitButtonsOfBoxes();
 
     Ui_ServiceContainer *ui;
     FancyBar *bar = nullptr;

@@ -300,8 +300,9 @@ void tst_Desktops::checkRow()
     QVERIFY(std::count(first.begin(), first.end(), RowColor) >= rowHeight * 9 / 10);
     QCOMPARE(m_panel->rows(Table).value(0).last().globalRect.right(),
              m_panel->globalRect(Table).right());
-    for (const QString &bar : {QStringLiteral("/QScrollBar")})
-        QVERIFY(!m_panel->property(Table + bar, "visible").toBool());
+    for (const char *container : {"/qt_scrollarea_hcontainer", "/qt_scrollarea_vcontainer"})
+        QVERIFY2(!m_panel->property(Table + QLatin1String(container), "visible").toBool(),
+                 container);
 }
 
 void tst_Desktops::checkLines()
@@ -467,7 +468,7 @@ void tst_Desktops::fitsTheWorkArea_data()
     QTest::addColumn<QString>("workArea");
     QTest::addColumn<double>("scale");
 
-    // The test's own screen has room for a scale of 3, but not of 4.
+    // The test's own screen holds a scale of 3, but not of 4.
     QTest::newRow("screen") << QByteArray("384") << QString() << 3.25;
     QTest::newRow("exact") << QByteArray("192") << QStringLiteral("0, 48, 1600, 1200") << 2.0;
     QTest::newRow("too low") << QByteArray("192") << QStringLiteral("0, 48, 1920, 1199") << 1.75;

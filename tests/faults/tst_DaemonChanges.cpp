@@ -139,7 +139,7 @@ void tst_DaemonChanges::changesWithinARefresh()
     const qint64 pid = pids().value(0);
     verify(page, pid, pid);
 
-    m_shims->add(QStringLiteral("ps"), script(change) + "exec /usr/bin/ps \"$@\"");
+    m_shims->add(QStringLiteral("ps"), script(change) + "exec /bin/ps \"$@\"");
     refresh(page);
     // A process that has gone has no figures: the page keeps the PID and shows no row.
     verify(page, pid, hasRow ? pid : NoRow);

@@ -3,13 +3,13 @@
 #
 # On a desktop the panel's window opens there, and the script ends with the panel's exit status.
 # Without a display it opens on a private one: the script waits until the page shows the daemon's row,
-# saves a picture of the window, prints its path, and ends with 0 only if the row was really there.
+# saves a screenshot, prints its path, and ends with 0 only if the row was really there.
 set -euo pipefail
 project=$(cd "$(dirname "$0")/.." && pwd)
 . "$project/scripts/common.sh"
 
 build=$project/build/release
-picture=$build/panel.png
+screenshot=$build/panel.png
 
 packages=("${build_packages[@]}" "${run_packages[@]}")
 [ -n "${DISPLAY:-}" ] || packages+=("${display_packages[@]}")
@@ -19,15 +19,14 @@ configure release -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF
 cmake --build "$build" --target corvane-panel Corvane
 
 if [ -z "${DISPLAY:-}" ]; then
-    rm -f "$picture"
+    rm -f "$screenshot"
     "$project/tests/support/in-desktop.sh" -- \
-        "$project/scripts/picture-of-the-row.sh" "$build/bin/corvane-panel" "$picture"
-    say "the page shows the daemon's row; a picture of the window: $picture"
+        "$project/scripts/screenshot-of-the-row.sh" "$build/bin/corvane-panel" "$screenshot"
+    say "the page shows the daemon's row; a screenshot: $screenshot"
     exit 0
 fi
 
-# The panel leaves its daemon running, on purpose. This one is only a stand-in, so it goes when the
-# panel has gone.
+# The panel leaves its daemon running. This one is only a stand-in, so it ends with the panel.
 folder=$(mktemp -d)
 record=$folder/Corvane
 end_stand_in() {

@@ -10,9 +10,9 @@ shift
 
 cd "$project"
 if [ $# -eq 0 ]; then
-    # Without the photographer of the pages, who isn't built with the rest.
+    # Without what isn't built with the rest.
     mapfile -t files < <(git ls-files 'app/*.cpp' 'fancy/*.cpp' 'overview/*.cpp' 'settings/*.cpp' \
-        'shell/*.cpp' 'windowkit/*.cpp' 'tests/*.cpp' ':!tests/panel/pictures.cpp')
+        'shell/*.cpp' 'windowkit/*.cpp' 'tests/*.cpp' ':!tests/panel/screenshots.cpp')
     set -- "${files[@]}"
 fi
 

@@ -364,10 +364,10 @@ void tst_Desktops::checkLines()
     }
 }
 
-//! Saves the window as it was last seen, for looking at, where scripts/pictures.sh asks for it.
+//! Saves the window as it was last seen, for looking at, where scripts/screenshots.sh asks for it.
 void tst_Desktops::keepScreenshot()
 {
-    const QString folder = qEnvironmentVariable("PANEL_TEST_PICTURES");
+    const QString folder = qEnvironmentVariable("PANEL_TEST_SCREENSHOTS");
     if (folder.isEmpty())
         return;
     const QString name = QString::fromLatin1(QTest::currentDataTag())

@@ -401,7 +401,7 @@ void tst_SettingsForm::nothingIsCutOff()
     }
     QCOMPARE(m_page->size(), PageSize);
 
-    const QString pictures = qEnvironmentVariable("PANEL_TEST_PICTURES");
+    const QString pictures = qEnvironmentVariable("PANEL_TEST_SCREENSHOTS");
     if (!pictures.isEmpty())
         QVERIFY(m_page->grab().save(pictures + QStringLiteral("/settings.png")));
 }

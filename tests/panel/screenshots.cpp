@@ -19,7 +19,7 @@ const auto Box = QStringLiteral("QMessageBox");
 constexpr int BoxTimeoutMs = 25000;
 constexpr QPoint ButtonCorner(3, 3);
 constexpr QPoint CloseButtonCorner(-46, 4);
-constexpr QPoint PointerAtRest(0, 0);
+constexpr QPoint Aside(0, 0);
 
 constexpr QRgb HoverColor = qRgb(0xe5, 0xf3, 0xff);
 constexpr QRgb PressColor = qRgb(0xcc, 0xe8, 0xff);
@@ -28,19 +28,19 @@ constexpr QRgb CloseHoverColor = qRgb(0xff, 0, 0);
 } // namespace
 
 /*!
-    No test, but the photographer of the documentation: saves what the screen shows of the real
-    program in each of its states, at device pixel ratios 1 and 2, into the folder that the
-    environment names in PANEL_TEST_PICTURES. Needs a screen of at least 1600 × 1200 pixels.
+    No test: saves what the screen shows of the real program in each of its states, at device pixel
+    ratios 1 and 2, into the folder that the environment names in PANEL_TEST_SCREENSHOTS. Needs a
+   screen of at least 1600 × 1200 pixels.
 */
-class Pictures : public QObject
+class Screenshots : public QObject
 {
     Q_OBJECT
 
 private slots:
     void daemonRuns_data() { addRatios(); }
     void daemonRuns();
-    void daemonStands_data() { addRatios(); }
-    void daemonStands();
+    void daemonIsMissing_data() { addRatios(); }
+    void daemonIsMissing();
 
 private:
     static void addRatios();
@@ -50,7 +50,7 @@ private:
     QPoint onScreen(const QPoint &point) const;
     QImage window();
     void save(const QString &state);
-    //! Waits until the screen shows \a color at \a point and saves the picture.
+    //! Waits until the screen shows \a color at \a point and saves the screenshot.
     void saveWithColor(const QString &state, const QPoint &point, QRgb color);
     void saveBox(const QString &state);
 
@@ -58,18 +58,18 @@ private:
     int m_ratio = 1;
 };
 
-void Pictures::addRatios()
+void Screenshots::addRatios()
 {
     QTest::addColumn<int>("ratio");
     QTest::newRow("1") << 1;
     QTest::newRow("2") << 2;
 }
 
-void Pictures::start(bool withDaemon)
+void Screenshots::start(bool withDaemon)
 {
     QFETCH(int, ratio);
     m_ratio = ratio;
-    PanelProcess::moveMouse(PointerAtRest);
+    PanelProcess::moveMouse(Aside);
     m_panel = std::make_unique<PanelProcess>();
     m_panel->environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(ratio));
     // The Chinese forms of the characters, where a font has several.
@@ -80,46 +80,46 @@ void Pictures::start(bool withDaemon)
     QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
 }
 
-QRect Pictures::onScreen(const QRect &rect) const
+QRect Screenshots::onScreen(const QRect &rect) const
 {
     return {onScreen(rect.topLeft()), rect.size() * m_ratio};
 }
 
-QPoint Pictures::onScreen(const QPoint &point) const
+QPoint Screenshots::onScreen(const QPoint &point) const
 {
     return point * m_ratio;
 }
 
-QImage Pictures::window()
+QImage Screenshots::window()
 {
     return QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(
             onScreen(m_panel->globalRect(Window)));
 }
 
-void Pictures::save(const QString &state)
+void Screenshots::save(const QString &state)
 {
     // Twice the same: nothing is on its way to the screen any more.
-    QImage picture;
+    QImage screenshot;
     const auto isSettled = [&] {
-        const QImage former = std::exchange(picture, window());
-        return picture == former;
+        const QImage former = std::exchange(screenshot, window());
+        return screenshot == former;
     };
     QVERIFY(QTest::qWaitFor(isSettled));
 
     const QString ratio = m_ratio == 1 ? QString() : QStringLiteral("@%1x").arg(m_ratio);
     const QString path = QStringLiteral("%1/panel-%2%3.png")
-                                 .arg(qEnvironmentVariable("PANEL_TEST_PICTURES"), state, ratio);
-    QVERIFY2(picture.save(path), qPrintable(path));
+                                 .arg(qEnvironmentVariable("PANEL_TEST_SCREENSHOTS"), state, ratio);
+    QVERIFY2(screenshot.save(path), qPrintable(path));
 }
 
-void Pictures::saveWithColor(const QString &state, const QPoint &point, QRgb color)
+void Screenshots::saveWithColor(const QString &state, const QPoint &point, QRgb color)
 {
     const QPoint place = onScreen(point - m_panel->globalRect(Window).topLeft());
     QTRY_COMPARE(window().pixelColor(place), QColor(color));
     save(state);
 }
 
-void Pictures::saveBox(const QString &state)
+void Screenshots::saveBox(const QString &state)
 {
     QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
     QTRY_VERIFY(m_panel->isExposed(Box));
@@ -129,7 +129,7 @@ void Pictures::saveBox(const QString &state)
     QTRY_VERIFY(!m_panel->messageBox());
 }
 
-void Pictures::daemonRuns()
+void Screenshots::daemonRuns()
 {
     start(true);
     QTRY_COMPARE(m_panel->rowTexts(Table).size(), 1);
@@ -142,13 +142,13 @@ void Pictures::daemonRuns()
     saveWithColor(QStringLiteral("button-pressed"), button.topLeft() + ButtonCorner, PressColor);
 
     const QPoint close = m_panel->globalRect(Window).topRight() + CloseButtonCorner;
-    PanelProcess::moveMouse(PointerAtRest);
+    PanelProcess::moveMouse(Aside);
     PanelProcess::releaseButton();
     PanelProcess::moveMouse(onScreen(close));
     saveWithColor(QStringLiteral("close-hovered"), close, CloseHoverColor);
 
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(PointerAtRest);
+    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("needs-no-repair"));
     QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
     const auto focus = [this] { return m_panel->application(QStringLiteral("focus")).toString(); };
@@ -160,21 +160,21 @@ void Pictures::daemonRuns()
     save(QStringLiteral("focused"));
 }
 
-void Pictures::daemonStands()
+void Screenshots::daemonIsMissing()
 {
     start(false);
     QTRY_VERIFY(m_panel->isExposed(Notice));
     save(QStringLiteral("stopped"));
 
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(PointerAtRest);
+    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("repair-failed"));
 
     m_panel->placeDaemon();
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(PointerAtRest);
+    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("repaired"));
 }
 
-QTEST_MAIN(Pictures)
-#include "pictures.moc"
+QTEST_MAIN(Screenshots)
+#include "screenshots.moc"

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
 # Starts the panel on the display at hand, waits until its page shows the daemon's row, and saves a
-# picture of the window:
+# screenshot of the window:
 #
-#   picture-of-the-row.sh PANEL PICTURE
+#   screenshot-of-the-row.sh PANEL SCREENSHOT
 #
 # Ends with 0 only if the row was there. Ends the panel and the daemon that it started.
 set -euo pipefail
 panel=$1
-picture=$2
+screenshot=$2
 
-# The row's ground, a colour that nothing else in the window has, and how much of it a row shows at
+# The row's background, a colour that nothing else in the window has, and how much of it a row shows at
 # least: more than half of 780 x 38 pixels.
 row_colour='#E7ECF7'
 row_pixels=15000
@@ -36,7 +36,7 @@ row_in() {
 }
 
 deadline=$((SECONDS + patience))
-until [ -n "${window:-}" ] && import -window "$window" "$picture" 2>/dev/null && row_in "$picture"; do
+until [ -n "${window:-}" ] && import -window "$window" "$screenshot" 2>/dev/null && row_in "$screenshot"; do
     kill -0 "$panel_pid" 2>/dev/null || { echo "the panel has ended" >&2; exit 1; }
     [ "$SECONDS" -lt "$deadline" ] || { echo "the page shows no row" >&2; exit 1; }
     window=$(xdotool search --onlyvisible --pid "$panel_pid" 2>/dev/null | tail -n 1) || window=

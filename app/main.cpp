@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
 
     ServiceContainer window(nullptr);
 
-    // The screen's own corner is left out on purpose: the place is relative to (0, 0).
+    // The screen's own corner is left out: the place is relative to (0, 0).
     const QSize screenSize = QApplication::desktop()->screenGeometry(&window).size();
     window.move((screenSize.width() - window.width()) / 2,
                 (screenSize.height() - window.height()) / 2);

@@ -123,13 +123,13 @@ void layOutAtOnce(QTreeWidget *tree)
 
 /*!
     Splits the line of process figures into the texts of a row, with "%" behind the shares.
-    Fields part at blanks only: a new-line stays inside its field, so that two lines don't pass
+    Only blanks separate fields: a line feed stays inside its field, so that two lines don't pass
     for one.
 */
 QStringList rowFromDetail(const QString &detail)
 {
     QStringList parts = detail.split(Blank, Qt::SkipEmptyParts);
-    // Finds nothing after the split above; a step of the design, kept on purpose.
+    // Redundant after the split above, but required of this function.
     parts.removeAll(Blank);
 
     QStringList row;
@@ -201,8 +201,8 @@ void OverviewForm::syncOWInfo()
         const qint64 pid = Daemon::pidOrZero(probe);
         const QList<QVariant> detail = run(*this, Daemon::detailCommand(pid));
         const QString text = Daemon::outputText(detail);
-        // Unlike the test of the probe, this one reads the output as a number and never looks at
-        // the exit code, on purpose; and where it fails, lastPid keeps what it held.
+        // Unlike the probe's, this result is judged by its output read as a number, never by the
+        // exit code: text is no number and passes. Where the test fails, lastPid keeps its value.
         if (!text.isEmpty() && detail.first().toInt() == 0) {
             lastPid = pid;
             row = rowFromDetail(text);
@@ -230,7 +230,7 @@ void OverviewForm::syncOWInfo()
 
 void OverviewForm::syncTagsInfo()
 {
-    // Empty on purpose: there is no source of node data.
+    // There is no source of node data.
 }
 
 void OverviewForm::on_kqfwdt_clicked()

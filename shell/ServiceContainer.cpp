@@ -38,7 +38,7 @@ ServiceContainer::ServiceContainer(QWidget *parent)
     bar->setObjectName(QStringLiteral("fancy_titlebar"));
     bar->setTitleBarHeight(TitleBarHeight);
     FancyTitleBar *titleBar = bar->titleBar();
-    // Deliberate: without a title bar there is no more of the window than this.
+    // Without a title bar the window stays empty.
     if (!titleBar)
         return;
 
@@ -65,7 +65,7 @@ ServiceContainer::ServiceContainer(QWidget *parent)
     connect(tab, &TabTitle::tabIndexChanged, this, &ServiceContainer::onTabIndexChanged);
     connect(titleBar, &FancyTitleBar::closeClicked, this, &QWidget::close);
 
-    // Nothing shows the tabs again in this build, on purpose: the settings page stays out of reach.
+    // Nothing shows the tabs again: this build keeps the settings page out of reach.
     tab->showTabWidget(false);
 }
 

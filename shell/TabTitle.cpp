@@ -59,8 +59,8 @@ TabTitle::~TabTitle()
 
 bool TabTitle::inDragArea(const QPoint &pos) const
 {
-    // Deliberately without mapping between the two: the window's drag rule is made of just these
-    // rectangles, each at (0, 0), and counts on the hidden tabs too.
+    // Not mapped to each other: the window's drag rule is made of just these rectangles, each at
+    // (0, 0), and counts on the hidden tabs too.
     return rect().contains(pos) && !ui->tabWidget->rect().contains(pos);
 }
 

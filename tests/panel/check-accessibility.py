@@ -150,7 +150,7 @@ def check_names(panel):
 
 
 def check_table(panel):
-    """Returns the process number that the row shows."""
+    """Returns the PID that the row shows."""
     row = wait_for("the row", lambda: cells(panel))
     compare(
         "headers", [header.name for header in shown(panel, "table column header")], HEADERS

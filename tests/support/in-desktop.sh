@@ -66,8 +66,10 @@ started=()
 clean_up() {
     local pid
     for pid in "${started[@]}"; do
-        kill "$pid" 2>/dev/null || continue
-        wait "$pid" 2>/dev/null || continue
+        # More than once: an X server misses a signal that comes just before it goes to sleep.
+        while kill "$pid" 2>/dev/null; do
+            sleep 0.02
+        done
     done
     rm -rf "$root"
 }

@@ -1,9 +1,7 @@
 #include "tests/fancy/privates.h"
 #include "tests/support/PaintCounter.h"
 
-#include <QAction>
 #include <QMouseEvent>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <functional>
@@ -33,54 +31,56 @@ class tst_FancyButton : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
+
     void startsAsAFlatIconButton();
     void storesColors_data();
     void storesColors();
-    void colorSettersAskForNoRepaint_data();
-    void colorSettersAskForNoRepaint();
-    void setColorSetsTheSheetAndStoresNothing();
-    void setHasBorderAppliesTheTextColor();
-    void setHasBorderAndSelectRepaint();
-    void releaseRepaints();
+    void sheetFollowsColorAndBorder();
+    void changesOfStateRepaint();
     void selectChangesPressAndHover();
     void storesMenuAndRoundness();
 
 private:
-    static void showUnseen(FancyButton &button);
-    static int paintsAfter(FancyButton &button, const std::function<void()> &change);
+    int paintsAfter(const std::function<void()> &change) const;
+
+    QScopedPointer<FancyButton> button;
+    FancyButtonPrivate *data = nullptr;
 };
 
-// Qt paints it like any other, but neither the X server nor a window manager can ask for a paint.
-void tst_FancyButton::showUnseen(FancyButton &button)
+void tst_FancyButton::init()
 {
-    button.setAttribute(Qt::WA_DontShowOnScreen);
-    button.show();
+    button.reset(new FancyButton);
+    data = ButtonData::of(*button);
+    // Qt paints it like any other, but neither the X server nor a window manager can ask for it.
+    button->setAttribute(Qt::WA_DontShowOnScreen);
+    button->show();
     QCoreApplication::sendPostedEvents();
 }
 
-// The number of paint events that a shown button gets for a change.
-int tst_FancyButton::paintsAfter(FancyButton &button, const std::function<void()> &change)
+// The number of paint events that the button gets for a change.
+int tst_FancyButton::paintsAfter(const std::function<void()> &change) const
 {
     const PaintCounter counter;
     change();
     QCoreApplication::sendPostedEvents();
-    return counter.paints.value(&button);
+    return counter.paints.value(button.data());
 }
 
 void tst_FancyButton::startsAsAFlatIconButton()
 {
     QWidget parent;
-    FancyButton button(&parent);
+    FancyButton child(&parent);
 
-    QCOMPARE(button.parentWidget(), &parent);
-    QCOMPARE(ButtonData::of(button)->q, &button);
-    QCOMPARE(button.toolButtonStyle(), Qt::ToolButtonIconOnly);
-    QVERIFY(button.autoRaise());
-    QCOMPARE(button.sizePolicy().horizontalPolicy(), QSizePolicy::Preferred);
-    QCOMPARE(button.sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
-    QCOMPARE(button.styleSheet(), BorderWhite);
-    QCOMPARE(button.hasMenu(), false);
-    QVERIFY(button.children().isEmpty());
+    QCOMPARE(child.parentWidget(), &parent);
+    QCOMPARE(ButtonData::of(child)->q, &child);
+    QCOMPARE(child.toolButtonStyle(), Qt::ToolButtonIconOnly);
+    QVERIFY(child.autoRaise());
+    QCOMPARE(child.sizePolicy().horizontalPolicy(), QSizePolicy::Preferred);
+    QCOMPARE(child.sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
+    QCOMPARE(child.styleSheet(), BorderWhite);
+    QCOMPARE(child.hasMenu(), false);
+    QVERIFY(child.children().isEmpty());
 }
 
 void tst_FancyButton::storesColors_data()
@@ -104,103 +104,65 @@ void tst_FancyButton::storesColors()
     QFETCH(ColorSetter, set);
     QFETCH(ColorGetter, get);
     QFETCH(ColorField, field);
-    FancyButton button(nullptr);
-    QCOMPARE((button.*get)(), FancyButtonPrivate().*field);
+    QCOMPARE((*button.*get)(), FancyButtonPrivate().*field);
 
-    (button.*set)(SomeColor);
+    QCOMPARE(paintsAfter([&] { (*button.*set)(SomeColor); }), 0);
 
-    QCOMPARE((button.*get)(), SomeColor);
-    QCOMPARE(ButtonData::of(button)->*field, SomeColor);
-    QCOMPARE(button.styleSheet(), BorderWhite);
+    QCOMPARE((*button.*get)(), SomeColor);
+    QCOMPARE(data->*field, SomeColor);
+    QCOMPARE(button->styleSheet(), BorderWhite);
 }
 
-void tst_FancyButton::colorSettersAskForNoRepaint_data()
+void tst_FancyButton::sheetFollowsColorAndBorder()
 {
-    storesColors_data();
+    button->setColor(SomeColor);
+    QCOMPARE(button->styleSheet(), BorderColor);
+    QCOMPARE(button->textColor(), QColor(Qt::white));
+
+    button->setHasBorder(true);
+    QCOMPARE(button->styleSheet(), BorderWhite);
+    button->setTextColor(SomeColor);
+    button->setHasBorder(false);
+    QCOMPARE(button->styleSheet(), NoBorderColor);
+    button->setHasBorder(true);
+    QCOMPARE(button->styleSheet(), BorderColor);
 }
 
-void tst_FancyButton::colorSettersAskForNoRepaint()
+void tst_FancyButton::changesOfStateRepaint()
 {
-    QFETCH(ColorSetter, set);
-    FancyButton button(nullptr);
-    showUnseen(button);
-
-    QCOMPARE(paintsAfter(button, [&] { (button.*set)(SomeColor); }), 0);
-    QCOMPARE(paintsAfter(button, [&] { button.setRound(true); }), 0);
-}
-
-void tst_FancyButton::setColorSetsTheSheetAndStoresNothing()
-{
-    FancyButton button(nullptr);
-
-    button.setColor(SomeColor);
-
-    QCOMPARE(button.styleSheet(), BorderColor);
-    QCOMPARE(button.textColor(), QColor(Qt::white));
-}
-
-void tst_FancyButton::setHasBorderAppliesTheTextColor()
-{
-    FancyButton button(nullptr);
-    button.setTextColor(SomeColor);
-
-    button.setHasBorder(false);
-    QCOMPARE(button.styleSheet(), NoBorderColor);
-    QCOMPARE(ButtonData::of(button)->m_hasBorder, false);
-
-    button.setHasBorder(true);
-    QCOMPARE(button.styleSheet(), BorderColor);
-    QCOMPARE(ButtonData::of(button)->m_hasBorder, true);
-}
-
-void tst_FancyButton::setHasBorderAndSelectRepaint()
-{
-    FancyButton button(nullptr);
-    showUnseen(button);
-
-    QVERIFY(paintsAfter(button, [&] { button.setHasBorder(false); }) > 0);
-    QVERIFY(paintsAfter(button, [&] { button.select(true); }) > 0);
-    QVERIFY(paintsAfter(button, [&] { button.select(false); }) > 0);
-}
-
-void tst_FancyButton::releaseRepaints()
-{
-    FancyButton button(nullptr);
-    showUnseen(button);
     QMouseEvent release(QEvent::MouseButtonRelease, QPointF(-1, -1), Qt::LeftButton, Qt::NoButton,
                         Qt::NoModifier);
-    QVERIFY(paintsAfter(button, [&] { QCoreApplication::sendEvent(&button, &release); }) > 0);
+
+    QVERIFY(paintsAfter([&] { button->setHasBorder(false); }) > 0);
+    QVERIFY(paintsAfter([&] { button->select(true); }) > 0);
+    QVERIFY(paintsAfter([&] { button->select(false); }) > 0);
+    QVERIFY(paintsAfter([&] { QCoreApplication::sendEvent(button.data(), &release); }) > 0);
 }
 
 void tst_FancyButton::selectChangesPressAndHover()
 {
-    FancyButton button(nullptr);
-    FancyButtonPrivate *data = ButtonData::of(button);
     data->m_bMouseHover = true;
 
-    button.select(true);
+    button->select(true);
     QCOMPARE(data->m_bMousePress, true);
     QCOMPARE(data->m_bMouseHover, true);
 
-    button.select(false);
+    button->select(false);
     QCOMPARE(data->m_bMousePress, false);
     QCOMPARE(data->m_bMouseHover, false);
 }
 
 void tst_FancyButton::storesMenuAndRoundness()
 {
-    FancyButton button(nullptr);
+    button->setHasMenu(true);
+    QVERIFY(button->hasMenu());
+    button->setHasMenu(false);
+    QVERIFY(!button->hasMenu());
 
-    button.setHasMenu(true);
-    QVERIFY(button.hasMenu());
-    QCOMPARE(ButtonData::of(button)->m_hasMenu, true);
-    button.setHasMenu(false);
-    QVERIFY(!button.hasMenu());
-
-    button.setRound(true);
-    QCOMPARE(ButtonData::of(button)->m_bRound, true);
-    button.setRound(false);
-    QCOMPARE(ButtonData::of(button)->m_bRound, false);
+    QCOMPARE(paintsAfter([&] { button->setRound(true); }), 0);
+    QCOMPARE(data->m_bRound, true);
+    button->setRound(false);
+    QCOMPARE(data->m_bRound, false);
 }
 
 QTEST_MAIN(tst_FancyButton)

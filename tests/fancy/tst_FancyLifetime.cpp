@@ -3,9 +3,9 @@
 
 #include <QAction>
 #include <QHBoxLayout>
+#include <QHash>
 #include <QMenu>
 #include <QPointer>
-#include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -26,13 +26,6 @@ int watchers(const QObject &object)
 {
     return (object.*&Opener::receivers)(SIGNAL(destroyed(QObject *)));
 }
-
-int messageCount = 0;
-
-void countMessage(QtMsgType, const QMessageLogContext &, const QString &)
-{
-    ++messageCount;
-}
 } // namespace
 
 class tst_FancyLifetime : public QObject
@@ -45,21 +38,16 @@ private slots:
 
     void everyOrderIsSafe_data();
     void everyOrderIsSafe();
-    void titleBarForgetsItsWindow();
-    void titleBarForgetsWhatGoesWithTheBar();
-    void titleBarForgetsItsMenuAndTitleWidget();
-    void titleBarKeepsALaterTitleWidget();
+    void titleBarForgetsWhatIsGone();
+    void titleBarForgetsItsTitleWidgetOnly();
     void titleBarWatchesItsTitleWidgetOnce();
     void buttonsOutliveTheTitleBar();
-    void barForgetsTheTitleBar();
     void barForgetsItsRows();
     void barForgetsItsButtons();
     void barForgetsTheButtonOfTheOpenMenu();
-    void barWatchesTheButtonOfTheOpenMenuOnce();
     void buttonOutlivesItsAction();
-    void unplacedThingsGoWithTheBar();
-    void placedThingsGoWithTheirPlace();
-    void nothingLeaksWithoutParents();
+    void whatIsPlacedOutlivesTheBar_data();
+    void whatIsPlacedOutlivesTheBar();
     void privatePartAloneCleansUp();
     void nullFieldIsLeftAloneInSilence();
 
@@ -155,87 +143,59 @@ void tst_FancyLifetime::everyOrderIsSafe_data()
 void tst_FancyLifetime::everyOrderIsSafe()
 {
     QFETCH(QString, order);
+    const QHash<QChar, QPointer<QObject>> objects {
+            {'b', bar.data()}, {'t', titleBar.data()}, {'w', window.data()}, {'g', group.data()}};
     for (const QChar step : qAsConst(order)) {
-        switch (step.toLatin1()) {
-        case '-':
+        if (step == QLatin1Char('-')) {
             bar->setParent(nullptr);
             titleBar->setParent(nullptr);
             group->setParent(nullptr);
-            break;
-        case 'b':
-            delete bar;
-            break;
-        case 't':
-            delete titleBar;
-            break;
-        case 'w':
-            delete window;
-            break;
-        default:
-            delete group;
+        } else {
+            delete objects.value(step);
         }
         useWhatIsLeft();
     }
     QVERIFY(!bar && !titleBar && !window && !group);
 }
 
-void tst_FancyLifetime::titleBarForgetsItsWindow()
+void tst_FancyLifetime::titleBarForgetsWhatIsGone()
 {
-    titleBar->setParent(nullptr);
-
-    delete window;
-
     const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
-    QVERIFY(!titleBar->mainWidget());
-    QVERIFY(!titleBar->systemGroup());
-    QVERIFY(!d.m_titleWidget && !d.m_menu);
-    QVERIFY(!d.m_minimizeButton && !d.m_maximizeButton && !d.m_closeButton);
-}
 
-void tst_FancyLifetime::titleBarForgetsWhatGoesWithTheBar()
-{
     delete bar;
-
-    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
     QVERIFY(!titleBar->systemGroup());
     QVERIFY(!d.m_titleWidget);
     QVERIFY(!d.m_minimizeButton && !d.m_maximizeButton && !d.m_closeButton);
-    QVERIFY(d.m_menu);
     QCOMPARE(titleBar->mainWidget(), window.data());
-}
 
-void tst_FancyLifetime::titleBarForgetsItsMenuAndTitleWidget()
-{
-    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
-    auto *strip = new QWidget;
-    titleBar->setTitleWidget(strip);
-
-    delete strip;
     delete d.m_menu;
-
-    QVERIFY(!d.m_titleWidget);
     QVERIFY(!d.m_menu);
     QVERIFY(d.m_closeAction);
+
+    titleBar->setParent(nullptr);
+    delete window;
+    QVERIFY(!titleBar->mainWidget());
 }
 
-void tst_FancyLifetime::titleBarKeepsALaterTitleWidget()
+void tst_FancyLifetime::titleBarForgetsItsTitleWidgetOnly()
 {
-    QWidget later;
+    const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
     auto *strip = new QWidget;
+    auto *later = new QWidget;
     titleBar->setTitleWidget(strip);
-    titleBar->setTitleWidget(&later);
+    titleBar->setTitleWidget(later);
 
     delete strip;
-
-    QCOMPARE(TitleBarData::of(*titleBar)->m_titleWidget, &later);
+    QCOMPARE(d.m_titleWidget, later);
+    delete later;
+    QVERIFY(!d.m_titleWidget);
 }
 
 void tst_FancyLifetime::titleBarWatchesItsTitleWidgetOnce()
 {
-    const QWidget strip;
     QWidget first;
     QWidget second;
-    const int before = watchers(strip);
+    const int before = watchers(first);
     for (int i = 0; i < 3; ++i) {
         titleBar->setTitleWidget(&first);
         titleBar->setTitleWidget(&first);
@@ -245,14 +205,14 @@ void tst_FancyLifetime::titleBarWatchesItsTitleWidgetOnce()
         QCOMPARE(watchers(first), before);
         QCOMPARE(watchers(second), before + 1);
     }
-    titleBar->setTitleWidget(nullptr);
-    QCOMPARE(watchers(second), before);
 
     // The main widget may be its own strip, and is still known to be gone afterwards.
     const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
     const int mainBefore = watchers(*d.m_mainWidget);
     titleBar->setTitleWidget(d.m_mainWidget);
     titleBar->setTitleWidget(nullptr);
+    QVERIFY(!d.m_titleWidget);
+    QCOMPARE(watchers(second), before);
     QCOMPARE(watchers(*d.m_mainWidget), mainBefore);
 }
 
@@ -268,15 +228,6 @@ void tst_FancyLifetime::buttonsOutliveTheTitleBar()
     QVERIFY(window->isVisible());
     QCOMPARE(systemMenu->actions().size(), 1);
     QVERIFY(systemMenu->actions().constFirst()->isSeparator());
-}
-
-void tst_FancyLifetime::barForgetsTheTitleBar()
-{
-    delete titleBar;
-
-    QVERIFY(!bar->titleBar());
-    QVERIFY(!BarData::of(*bar)->m_titleBar);
-    QCOMPARE(BarData::of(*bar)->m_systemGroup, group.data());
 }
 
 void tst_FancyLifetime::barForgetsItsRows()
@@ -310,28 +261,21 @@ void tst_FancyLifetime::barForgetsTheButtonOfTheOpenMenu()
 {
     FancyBarPrivate &d = *BarData::of(*bar);
     FancyButton *button = d.m_additionalButtons.at(0);
-    QTest::mousePress(button, Qt::LeftButton);
-    QTRY_VERIFY(menu->isVisible());
-    QCOMPARE(d.m_menuButton, button);
+    const int before = watchers(*button);
+    for (int i = 0; i < 3; ++i) {
+        menu->hide();
+        d.m_menuButton = nullptr;
+        QTest::mousePress(button, Qt::LeftButton);
+        QTRY_VERIFY(menu->isVisible());
+        QCOMPARE(watchers(*button), before + 1);
+        QCOMPARE(d.m_menuButton, button);
+    }
 
     delete button;
     QVERIFY(!d.m_menuButton);
     menu->hide();
 
     QVERIFY(!menu->isVisible());
-}
-
-void tst_FancyLifetime::barWatchesTheButtonOfTheOpenMenuOnce()
-{
-    FancyButton *button = BarData::of(*bar)->m_additionalButtons.at(0);
-    const int before = watchers(*button);
-    for (int i = 0; i < 3; ++i) {
-        BarData::of(*bar)->m_menuButton = nullptr;
-        QTest::mousePress(button, Qt::LeftButton);
-        QTRY_VERIFY(menu->isVisible());
-        menu->hide();
-        QCOMPARE(watchers(*button), before + 1);
-    }
 }
 
 void tst_FancyLifetime::buttonOutlivesItsAction()
@@ -345,54 +289,38 @@ void tst_FancyLifetime::buttonOutlivesItsAction()
     QVERIFY(!BarData::of(*bar)->m_menuButton);
 }
 
-void tst_FancyLifetime::unplacedThingsGoWithTheBar()
+void tst_FancyLifetime::whatIsPlacedOutlivesTheBar_data()
 {
+    QTest::addColumn<bool>("isPlaced");
+
+    QTest::newRow("placed") << true;
+    QTest::newRow("not placed") << false;
+}
+
+void tst_FancyLifetime::whatIsPlacedOutlivesTheBar()
+{
+    QFETCH(bool, isPlaced);
     FancyBarPrivate &d = *BarData::of(*bar);
     d.createMenuWidget();
-    const QPointer<FancyButton> unplaced = d.m_additionalButtons.at(1);
+    const QPointer<FancyButton> button = d.m_additionalButtons.at(1);
     const QPointer<QWidget> menuRow = d.m_menuWidget;
     const QPointer<QHBoxLayout> logo = d.m_logoLayout;
-    QVERIFY(!unplaced->parent());
+    QVERIFY(!button->parent());
+    if (isPlaced) {
+        window->layout()->addWidget(button);
+        window->layout()->addWidget(menuRow);
+    }
 
     delete bar;
-
-    QVERIFY(!unplaced);
-    QVERIFY(!menuRow);
+    QCOMPARE(!button.isNull(), isPlaced);
+    QCOMPARE(!menuRow.isNull(), isPlaced);
     QVERIFY(!logo);
-}
 
-void tst_FancyLifetime::placedThingsGoWithTheirPlace()
-{
-    FancyBarPrivate &d = *BarData::of(*bar);
-    d.createMenuWidget();
-    const QPointer<FancyButton> placed = d.m_additionalButtons.at(1);
-    const QPointer<QWidget> menuRow = d.m_menuWidget;
-    window->layout()->addWidget(placed);
-    window->layout()->addWidget(menuRow);
-
-    delete bar;
-    QVERIFY(placed);
-    QVERIFY(menuRow);
-
-    QTest::mouseClick(placed.data(), Qt::LeftButton);
+    if (isPlaced)
+        QTest::mouseClick(button.data(), Qt::LeftButton);
     delete window;
-    QVERIFY(!placed);
+    QVERIFY(!button);
     QVERIFY(!menuRow);
-}
-
-void tst_FancyLifetime::nothingLeaksWithoutParents()
-{
-    auto *alone = new FancyBar(nullptr);
-    const QPointer<FancyTitleBar> inert = alone->titleBar();
-    BarData::of(*alone)->createMenuWidget();
-    const FancyTitleBar inertOnStack(nullptr);
-    const FancyButton button(nullptr);
-    QVERIFY(inert);
-
-    delete alone;
-
-    QVERIFY(!inert);
-    QVERIFY(!inertOnStack.systemGroup());
 }
 
 void tst_FancyLifetime::privatePartAloneCleansUp()
@@ -401,6 +329,11 @@ void tst_FancyLifetime::privatePartAloneCleansUp()
     QPointer<QWidget> row;
     {
         FancyBarPrivate d;
+        d.init();
+        d.createTitleWidget();
+        QVERIFY(!d.m_logoLayout);
+        QVERIFY(!d.m_titleWidget);
+
         d.registerWidget(nullptr);
         d.createTitleWidget();
         inert = d.m_titleBar;
@@ -414,15 +347,16 @@ void tst_FancyLifetime::privatePartAloneCleansUp()
 
 void tst_FancyLifetime::nullFieldIsLeftAloneInSilence()
 {
+    static int messages = 0;
+    const auto count = [](QtMsgType, const QMessageLogContext &, const QString &) { ++messages; };
     QObject holder;
     QObject *field = nullptr;
-    messageCount = 0;
-    const QtMessageHandler former = qInstallMessageHandler(countMessage);
 
+    const QtMessageHandler former = qInstallMessageHandler(count);
     clearWhenDestroyed(&holder, field);
-
     qInstallMessageHandler(former);
-    QCOMPARE(messageCount, 0);
+
+    QCOMPARE(messages, 0);
     QVERIFY(!field);
 }
 

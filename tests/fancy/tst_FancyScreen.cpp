@@ -9,7 +9,7 @@ const QList<QRect> Row {QRect(0, 0, 1280, 1024), QRect(1280, 0, 800, 600),
                         QRect(2080, 0, 640, 480)};
 }
 
-// Runs on two screens, of 800 by 600 pixels and to its right of 1280 by 1024.
+// Runs on two screens, of 801 by 600 pixels and to its right of 1280 by 1025.
 class tst_FancyScreen : public QObject
 {
     Q_OBJECT
@@ -28,8 +28,8 @@ void tst_FancyScreen::takesDownTheVirtualDesktopOfEachScreen()
     const FancyScreen screen;
 
     QCOMPARE(QGuiApplication::screens().size(), 2);
-    QCOMPARE(QGuiApplication::screens().at(0)->geometry(), QRect(0, 0, 800, 600));
-    const QRect desktop(0, 0, 2080, 1024);
+    QCOMPARE(QGuiApplication::screens().at(0)->geometry(), QRect(0, 0, 801, 600));
+    const QRect desktop(0, 0, 2081, 1025);
     QCOMPARE(ScreenRects::of(screen), QList<QRect>({desktop, desktop}));
 }
 
@@ -41,7 +41,6 @@ void tst_FancyScreen::findsTheCurrentScreen_data()
 
     const QList<QRect> none;
     QTest::newRow("no screen") << none << 0 << 0;
-    QTest::newRow("no screen, left") << none << -5000 << 0;
     QTest::newRow("no screen, right") << none << 5000 << 0;
     QTest::newRow("left of all") << Row << -1 << 0;
     QTest::newRow("first") << Row << 640 << 0;
@@ -77,6 +76,7 @@ void tst_FancyScreen::givesRectanglesByIndex_data()
     QTest::newRow("the count") << Row << 3 << Row.at(0);
     QTest::newRow("beyond the count") << Row << 100 << Row.at(0);
     QTest::newRow("negative") << Row << -1 << Row.at(0);
+    QTest::newRow("very negative") << Row << -2 << Row.at(0);
     QTest::newRow("no screen") << QList<QRect>() << 0 << QRect();
     QTest::newRow("no screen, negative") << QList<QRect>() << -1 << QRect();
 }
@@ -94,9 +94,9 @@ void tst_FancyScreen::givesRectanglesByIndex()
 
 void tst_FancyScreen::normalRectIsTwoThirdsOfTheVirtualDesktop()
 {
-    QCOMPARE(QGuiApplication::primaryScreen()->geometry(), QRect(0, 0, 800, 600));
-    // 2080 * 2 / 3 and 1024 * 2 / 3, rounded down.
-    QCOMPARE(FancyScreen::normalRect(), QRect(100, 100, 1386, 682));
+    QCOMPARE(QGuiApplication::primaryScreen()->geometry(), QRect(0, 0, 801, 600));
+    // 2081 * 2 / 3 and 1025 * 2 / 3, rounded down: dividing first gives one less.
+    QCOMPARE(FancyScreen::normalRect(), QRect(100, 100, 1387, 683));
 }
 
 QTEST_MAIN(tst_FancyScreen)

@@ -42,8 +42,6 @@ private slots:
     void pathAndFormat();
     void loadsRanges_data();
     void loadsRanges() { load(); }
-    void loadsNumberTexts_data();
-    void loadsNumberTexts() { load(); }
     void loadsLevels_data();
     void loadsLevels() { load(); }
     void loadsSwitch_data();
@@ -52,13 +50,11 @@ private slots:
     void loadsWholeFiles() { load(); }
     void keepsWhatItDoesNotKnow_data();
     void keepsWhatItDoesNotKnow();
-    void changeWritesItsKeyOnly_data();
-    void changeWritesItsKeyOnly();
+    void switchIsWritten();
     void documentedExample();
     void levelIsStoredAsEscapes_data();
     void levelIsStoredAsEscapes();
     void changeWaitsForTheEventLoop();
-    void destructionWritesWhatIsPending();
     void saveConfigChangesNothing();
     void whatAnotherProgramChangesIsNotShown();
     void configurationFolder_data();
@@ -134,28 +130,12 @@ void tst_SettingsFile::loadsRanges_data()
             else if (value != number.maximum || number.maximum != number.initial)
                 loadRow(row, content, defaults());
         }
-        loadRow(QByteArray(number.name) + " is text", oneKey(number.section, number.name, "many"),
-                defaults());
+        for (const char *text : {"many", "", "20.5", "7days"}) {
+            const QByteArray content = oneKey(number.section, number.name, text);
+            loadRow(QByteArray(number.name) + " is " + text, content, defaults());
+        }
     }
     loadRow("days 30", "[log]\ndays=30\n", defaults());
-}
-
-void tst_SettingsFile::loadsNumberTexts_data()
-{
-    loadColumns();
-    for (const char *text :
-         {"-20", "0x14", "20.0", "20.5", "2e1", "", "99999999999999999999", "2147483648", "true",
-          "10, 20", "1 5", "20days", "\xEF\xBC\x92\xEF\xBC\x90", "@Invalid()"})
-        loadRow(QByteArray("rejected: ") + text, oneKey("log", "days", text), defaults());
-
-    const QByteArray twenty = oneKey("log", "days", "20");
-    const QStringList shows = defaultsBut(LogDays, QStringLiteral("20"));
-    for (const QByteArray &text :
-         {QByteArray("020"), QByteArray("+20"), QByteArray("  20  "), QByteArray("\" 20 \""),
-          QByteArray("20 ; days"), QByteArray(R"(@Variant(\0\0\0\x2\0\0\0\x14))")})
-        loadRow("accepted: " + text, oneKey("log", "days", text), shows, twenty);
-    // 2^32 + 20: the conversion to int cuts the upper half off.
-    loadRow("wrapped", oneKey("log", "days", "4294967316"), shows, twenty);
 }
 
 void tst_SettingsFile::loadsLevels_data()
@@ -170,39 +150,29 @@ void tst_SettingsFile::loadsLevels_data()
     row("warning", "\\x8b66\\x544a", "警告");
     row("error", "\\x9519\\x8bef", "错误");
     row("fatal", "\\x81f4\\x547d", "致命");
-    row("quoted", R"("\x8b66\x544a")", "警告");
-    row("upper-case digits", "\\x8B66\\x544A", "警告");
-    row("bare blanks around", "  \\x8b66\\x544a  ", "警告");
 
     row("unknown", "\\x8be6\\x7ec6", "信息");
-    row("quoted blank before", R"(" \x8b66\x544a")", "信息");
-    row("quoted blank behind", R"("\x8b66\x544a ")", "信息");
     row("beginning of a level", "\\x8b66", "信息");
     row("more than a level", R"(\x8b66\x544a\x8b66)", "信息");
+    row("blank before a level", R"(" \x8b66\x544a")", "信息");
     row("number of a level", "2", "信息");
-    row("other script", "warning", "信息");
-    row("other case", "WARNING", "信息");
     row("empty", "", "信息");
-    row("two levels", R"(\x8b66\x544a, \x8c03\x8bd5)", "信息");
-    row("bare UTF-8", "警告", "信息");
-    row("GBK", "\xBE\xAF\xB8\xE6", "信息");
 }
 
 void tst_SettingsFile::loadsSwitch_data()
 {
     loadColumns();
-    for (const char *text : {"true", "True", "TRUE", "1", "2", "yes", "no", "on", "off", "-1"})
-        loadRow(QByteArray("on: ") + text, oneKey("rpc", "enableLogs", text),
-                defaultsBut(RpcLogs, QStringLiteral("on")), oneKey("rpc", "enableLogs", "true"));
-    for (const char *text : {"false", "False", "FALSE", "0", "", "@Invalid()", "true, true"})
-        loadRow(QByteArray("off: ") + text, oneKey("rpc", "enableLogs", text), defaults());
+    for (const char *text : {"true", "1"})
+        loadRow(text, oneKey("rpc", "enableLogs", text), defaultsBut(RpcLogs, QStringLiteral("on")),
+                oneKey("rpc", "enableLogs", "true"));
+    for (const char *text : {"false", "0", ""})
+        loadRow(text, oneKey("rpc", "enableLogs", text), defaults());
 }
 
 void tst_SettingsFile::loadsWholeFiles_data()
 {
     loadColumns();
     loadRow("zero bytes", "", defaults());
-    loadRow("blank lines", "\n\r\n  \n", defaults());
     loadRow("defaults only",
             "[log]\nlevel=\\x4fe1\\x606f\ndays=30\n[rpc]\nenableLogs=false\ntimeout=30\nthreads=5\n"
             "[msg]\npullInterval=10\nupdateInterval=3\nuploadInterval=3\n",
@@ -220,28 +190,10 @@ void tst_SettingsFile::loadsWholeFiles_data()
              QStringLiteral("1")},
             eight);
 
-    const QStringList twentyDays = defaultsBut(LogDays, QStringLiteral("20"));
-    const QByteArray twenty = "[log]\ndays=20\n";
-    loadRow("carriage returns", "[log]\r\ndays=20\r\n", twentyDays, twenty);
-    loadRow("no new-line at the end", "[log]\ndays=20", twentyDays, twenty);
-    loadRow("the same key twice", "[log]\ndays=25\ndays=20\n", twentyDays, twenty);
-    loadRow("the same section twice", "[log]\ndays=25\n[x]\n[log]\ndays=20\n", twentyDays, twenty);
     loadRow("other case", "[Log]\ndays=20\n[log]\nDays=20\n", defaults());
-    loadRow("without a section", "days=20\n[log]\n", defaults());
-    loadRow("in another section", "[rpc]\ndays=20\n[General]\ndays=20\n", defaults());
-
+    loadRow("in another section", "days=20\n[rpc]\ndays=20\n", defaults());
     // Only a section header without its bracket is found out while the file is opened.
     loadRow("broken header", "[log\ndays=20\n[rpc]\ntimeout=20\n", defaults());
-    loadRow("line without a value", "[log]\nnonsense\ndays=20\n", twentyDays, twenty);
-    loadRow("no settings at all",
-            QByteArray("\x7f"
-                       "ELF\x02\x00\x01",
-                       7),
-            defaults());
-
-    loadRow("byte-order mark", "\xEF\xBB\xBF[log]\ndays=20\n", twentyDays, twenty);
-    loadRow("byte-order mark and bare UTF-8", "\xEF\xBB\xBF[log]\nlevel=警告\n",
-            defaultsBut(LogLevel, QStringLiteral("警告")));
 }
 
 void tst_SettingsFile::keepsWhatItDoesNotKnow_data()
@@ -251,23 +203,14 @@ void tst_SettingsFile::keepsWhatItDoesNotKnow_data()
 
     const QByteArray upload = "[msg]\nuploadInterval=7\n";
     QTest::newRow("keys and sections")
-            << QByteArray("[log]\nunknown=5\n\n[other]\na=1\nb\\c=2\nbytes=@ByteArray(x)\n"
-                          "list=1, 2\nquoted=\"a;b\"\nname=\\x4fe1\n")
-            << "[log]\nunknown=5\n\n" + upload
-                       + "\n[other]\na=1\nb\\c=2\nbytes=@ByteArray(x)\nlist=1, 2\n"
-                         "name=\\x4fe1\nquoted=\"a;b\"\n";
+            << QByteArray("[log]\nunknown=5\n\n[other]\na=1\nlist=1, 2\n")
+            << "[log]\nunknown=5\n\n" + upload + "\n[other]\na=1\nlist=1, 2\n";
     QTest::newRow("rejected values")
             << QByteArray("[log]\nlevel=none\ndays=5\n[rpc]\nthreads=0x4\ntimeout=\n")
             << "[log]\ndays=5\nlevel=none\n\n" + upload + "\n[rpc]\nthreads=0x4\ntimeout=\n";
     QTest::newRow("a broken header keeps its keys")
             << QByteArray("[log\ndays=20\n[rpc]\ntimeout=20\n")
             << "[log]\ndays=20\n\n" + upload + "\n[rpc]\ntimeout=20\n";
-    QTest::newRow("comments go") << QByteArray("; one\n# two\n[log]\n; three\ndays=5 ; four\n")
-                                 << "[log]\ndays=5\n\n" + upload;
-    QTest::newRow("bytes beyond ASCII are escaped")
-            << QByteArray("[log]\nlevel=警告\n")
-            << "[log]\nlevel=\\xe8\\xad\\xa6\\xe5\\x91\\x8a\n\n" + upload;
-    QTest::newRow("zero bytes") << QByteArray("") << upload;
 }
 
 void tst_SettingsFile::keepsWhatItDoesNotKnow()
@@ -284,43 +227,16 @@ void tst_SettingsFile::keepsWhatItDoesNotKnow()
     QCOMPARE(home.read(), changed);
 }
 
-void tst_SettingsFile::changeWritesItsKeyOnly_data()
+void tst_SettingsFile::switchIsWritten()
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QByteArray>("content");
-
-    for (const NumberSetting &number : NumberSettings) {
-        for (const int value : {number.minimum, number.initial + 1, number.maximum}) {
-            const QByteArray text = QByteArray::number(qMin(value, number.maximum - 1));
-            QTest::addRow("%s %s %d", number.name, text.constData(), value)
-                    << QByteArray(number.objectName) << text.toInt()
-                    << oneKey(number.section, number.name, text);
-        }
-    }
-    QTest::newRow("on") << QByteArray("cbRpcLog") << 1 << oneKey("rpc", "enableLogs", "true");
-    QTest::newRow("off") << QByteArray("cbRpcLog") << 0 << oneKey("rpc", "enableLogs", "false");
-}
-
-void tst_SettingsFile::changeWritesItsKeyOnly()
-{
-    QFETCH(QByteArray, name);
-    QFETCH(int, value);
-    QFETCH(QByteArray, content);
-
     const SettingsHome home;
     const SettingsForm page;
-    auto *widget = page.findChild<QWidget *>(QString::fromLatin1(name));
-    if (auto *number = qobject_cast<QSpinBox *>(widget)) {
-        number->setValue(value);
-    } else {
-        auto *check = qobject_cast<QCheckBox *>(widget);
-        check->setChecked(true);
-        check->setChecked(value != 0);
+    auto *check = page.findChild<QCheckBox *>(QStringLiteral("cbRpcLog"));
+    for (const bool isOn : {true, false}) {
+        check->setChecked(isOn);
+        QCoreApplication::processEvents();
+        QCOMPARE(home.read(), oneKey("rpc", "enableLogs", isOn ? "true" : "false"));
     }
-    QCoreApplication::processEvents();
-    QCOMPARE(home.read(), content);
-    QCOMPARE(home.entries(), QStringList(QStringLiteral("settings.ini")));
 }
 
 void tst_SettingsFile::documentedExample()
@@ -388,22 +304,17 @@ void tst_SettingsFile::levelIsStoredAsEscapes()
 void tst_SettingsFile::changeWaitsForTheEventLoop()
 {
     const SettingsHome home;
-    const SettingsForm page;
-    numberField(page, "spinUpload")->setValue(OtherUpload);
-    QCOMPARE(home.entries(), QStringList());
-    QCoreApplication::processEvents();
-    QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
-}
-
-void tst_SettingsFile::destructionWritesWhatIsPending()
-{
-    const SettingsHome home;
     {
         const SettingsForm page;
         numberField(page, "spinUpload")->setValue(OtherUpload);
         QCOMPARE(home.entries(), QStringList());
+        QCoreApplication::processEvents();
+        QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
+        numberField(page, "spinUpload")->setValue(OtherUpload + 1);
+        QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
     }
-    QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
+    // The end of the page is the latest.
+    QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=8\n"));
 }
 
 void tst_SettingsFile::saveConfigChangesNothing()
@@ -441,11 +352,8 @@ void tst_SettingsFile::configurationFolder_data()
     QTest::addColumn<QString>("expected");
 
     QTest::newRow("unset") << QByteArray() << QStringLiteral("home/.config");
-    QTest::newRow("empty") << QByteArray("") << QStringLiteral("home/.config");
     QTest::newRow("blanks and Chinese")
             << QByteArray("%1/my 配 置 %1 folder") << QStringLiteral("my 配 置 %1 folder");
-    QTest::newRow("deep, with a slash behind")
-            << QByteArray("%1/a/b/c/") << QStringLiteral("a/b/c");
     QTest::newRow("relative") << QByteArray("relative/config") << QStringLiteral("relative/config");
 }
 

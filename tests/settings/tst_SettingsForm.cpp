@@ -6,12 +6,8 @@
 #include "tests/support/PrivateMember.h"
 #include "ui_SettingsForm.h"
 
-#include <QAbstractItemView>
-#include <QFileInfo>
 #include <QMetaMethod>
-#include <QPointer>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QTest>
 
 #include <memory>
@@ -21,15 +17,62 @@ struct UiMember : PrivateMember<UiMember, Ui_SettingsForm *, SettingsForm>
 };
 template struct ExposePrivateMember<UiMember, &SettingsForm::ui>;
 
-struct SettingsMember : PrivateMember<SettingsMember, QSettings *, SettingsForm>
-{
-};
-template struct ExposePrivateMember<SettingsMember, &SettingsForm::settings>;
-
 namespace {
 
 //! The page's size in the window.
 constexpr QSize PageSize(800, 568);
+
+constexpr const char *ExpectedForm = R"(400×504
+SettingsForm SettingsForm windowTitle=Form
+QVBoxLayout verticalLayout_4
+  QLabel label_6 styleSheet=font:bold; text=日志设置
+  QFrame frame_2 frameShape=StyledPanel frameShadow=Raised
+    QVBoxLayout verticalLayout_2
+      QHBoxLayout horizontalLayout_3
+        QLabel label_7 text=日志级别
+        QComboBox cbLogLevel currentText=信息 currentIndex=1
+        spacer 40×20 Expanding Minimum
+      QHBoxLayout horizontalLayout_4
+        QLabel label_8 text=保留时间
+        QSpinBox spinLogDays minimum=10 maximum=30 value=30
+        QLabel label_9 text=天
+        spacer 40×20 Expanding Minimum
+  QFrame line sizePolicy=Minimum,Fixed frameShape=HLine frameShadow=Sunken
+  QLabel label styleSheet=font:bold; text=RPC设置
+  QFrame frame frameShape=StyledPanel frameShadow=Raised
+    QVBoxLayout verticalLayout
+      QCheckBox cbRpcLog text=开启RPC日志
+      QLabel labelRpcLog styleSheet=color:gray;font:10px; text=RPC日志输出频繁，会占用较大的硬盘空间 hidden
+      QHBoxLayout horizontalLayout
+        QLabel label_3 text=超时时间
+        QSpinBox spinRpcTimeout minimum=10 maximum=60 value=30
+        QLabel label_4 text=秒
+        spacer 40×20 Expanding Minimum
+      QHBoxLayout horizontalLayout_2
+        QLabel label_5 text=任务调度线程数
+        QSpinBox spinThreadNums minimum=1 maximum=8 value=5
+        spacer 40×20 Expanding Minimum
+  QFrame line_2 sizePolicy=Minimum,Fixed frameShape=HLine frameShadow=Sunken
+  QLabel label_10 styleSheet=font:bold; text=消息推送
+  QFrame frame_3 frameShape=StyledPanel frameShadow=Raised
+    QVBoxLayout verticalLayout_3
+      QHBoxLayout horizontalLayout_5
+        QLabel label_11 text=消息拉取频率
+        QSpinBox spinPullMessage minimum=5 maximum=30 value=10
+        QLabel label_12 text=分钟/次
+        spacer 40×20 Expanding Minimum
+      QHBoxLayout horizontalLayout_6
+        QLabel label_13 text=消息状态更新频率
+        QSpinBox spinStatusUpdate minimum=1 maximum=10 value=3
+        QLabel label_14 text=秒/次
+        spacer 40×20 Expanding Minimum
+      QHBoxLayout horizontalLayout_7
+        QLabel label_15 text=回执上传频率
+        QSpinBox spinUpload minimum=1 maximum=30 value=3
+        QLabel label_16 text=分钟/次
+        spacer 40×20 Expanding Minimum
+  spacer 20×40 Minimum Expanding
+)";
 
 } // namespace
 
@@ -42,20 +85,13 @@ private slots:
     void cleanup();
 
     void slotsInOrder();
-    void formMembersInOrder();
-    void settingsBelongToThePage();
     void givenObjectNameStays();
-    void widgets_data();
-    void widgets();
-    void layouts();
-    void frames();
-    void fieldsStartWithTheirDefaults();
+    void form();
     void fieldsHaveNames();
     void levels();
     void textsAreTranslatable();
     void translatedLevelIsFound();
     void warningShowsWhileLoggingIsOn();
-    void storedSwitchShowsTheWarning();
     void nothingIsCutOff();
     void tabFollowsTheReadingOrder();
     void inputKeepsWithinRange_data();
@@ -91,183 +127,21 @@ void tst_SettingsForm::show()
 void tst_SettingsForm::slotsInOrder()
 {
     const QMetaObject &meta = SettingsForm::staticMetaObject;
-    QCOMPARE(meta.className(), "SettingsForm");
-    QCOMPARE(meta.superClass(), &QWidget::staticMetaObject);
-    QStringList names;
+    QByteArrayList names;
     for (int index = meta.methodOffset(); index < meta.methodCount(); ++index) {
-        const QMetaMethod method = meta.method(index);
-        QCOMPARE(method.methodType(), QMetaMethod::Slot);
-        QCOMPARE(method.access(), QMetaMethod::Private);
-        QCOMPARE(method.returnType(), int(QMetaType::Void));
-        names.append(QString::fromLatin1(method.methodSignature()));
+        QCOMPARE(meta.method(index).methodType(), QMetaMethod::Slot);
+        QCOMPARE(meta.method(index).access(), QMetaMethod::Private);
+        names.append(meta.method(index).name());
     }
-    QCOMPARE(names,
-             QStringList({QStringLiteral("logLevelChanged()"), QStringLiteral("logDaysChanged()"),
-                          QStringLiteral("rpcLogChanged()"), QStringLiteral("rpcTimeoutChanged()"),
-                          QStringLiteral("rpcThreadsChanged()"), QStringLiteral("msgPullChanged()"),
-                          QStringLiteral("msgUpdateChanged()"),
-                          QStringLiteral("msgUploadChanged()")}));
-    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+    QCOMPARE(names, QByteArrayList({"logLevelChanged", "logDaysChanged", "rpcLogChanged",
+                                    "rpcTimeoutChanged", "rpcThreadsChanged", "msgPullChanged",
+                                    "msgUpdateChanged", "msgUploadChanged"}));
 }
 
-void tst_SettingsForm::formMembersInOrder()
+void tst_SettingsForm::form()
 {
-    const auto *const expected =
-            "verticalLayout_4 label_6 frame_2 verticalLayout_2 horizontalLayout_3 label_7 "
-            "cbLogLevel spacer horizontalLayout_4 label_8 spinLogDays label_9 spacer line "
-            "label frame verticalLayout cbRpcLog labelRpcLog horizontalLayout label_3 "
-            "spinRpcTimeout label_4 spacer horizontalLayout_2 label_5 spinThreadNums spacer "
-            "line_2 label_10 frame_3 verticalLayout_3 horizontalLayout_5 label_11 "
-            "spinPullMessage label_12 spacer horizontalLayout_6 label_13 spinStatusUpdate "
-            "label_14 spacer horizontalLayout_7 label_15 spinUpload label_16 spacer spacer";
-    QCOMPARE(formMembers(&ui(), sizeof(Ui_SettingsForm), *m_page).join(QLatin1Char(' ')),
-             QString::fromLatin1(expected));
-}
-
-void tst_SettingsForm::settingsBelongToThePage()
-{
-    const QPointer<QSettings> settings = SettingsMember::of(*m_page);
-    QVERIFY(settings);
-    QCOMPARE(settings->parent(), m_page.get());
-    m_page.reset();
-    QVERIFY(!settings);
-}
-
-void tst_SettingsForm::givenObjectNameStays()
-{
-    QCOMPARE(m_page->objectName(), QStringLiteral("SettingsForm"));
-
-    QWidget named;
-    named.setObjectName(QStringLiteral("mine"));
-    Ui_SettingsForm form {};
-    form.setupUi(&named);
-    QCOMPARE(named.objectName(), QStringLiteral("mine"));
-    QCOMPARE(named.size(), QSize(400, 504));
-    QCOMPARE(named.windowTitle(), QStringLiteral("Form"));
-    QCOMPARE(named.styleSheet(), QString());
-}
-
-void tst_SettingsForm::widgets_data()
-{
-    QTest::addColumn<QByteArray>("className");
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("styleSheet");
-
-    const auto row = [](const char *name, const char *className, const char *parent,
-                        const char *text = "", const char *styleSheet = "") {
-        QTest::newRow(name) << QByteArray(className) << QString::fromLatin1(parent)
-                            << QString::fromUtf8(text) << QString::fromLatin1(styleSheet);
-    };
-    const char *const page = "SettingsForm";
-    row("label_6", "QLabel", page, "日志设置", "font:bold;");
-    row("frame_2", "QFrame", page);
-    row("label_7", "QLabel", "frame_2", "日志级别");
-    row("cbLogLevel", "QComboBox", "frame_2");
-    row("label_8", "QLabel", "frame_2", "保留时间");
-    row("spinLogDays", "QSpinBox", "frame_2");
-    row("label_9", "QLabel", "frame_2", "天");
-    row("line", "QFrame", page);
-    row("label", "QLabel", page, "RPC设置", "font:bold;");
-    row("frame", "QFrame", page);
-    row("cbRpcLog", "QCheckBox", "frame", "开启RPC日志");
-    row("labelRpcLog", "QLabel", "frame", "RPC日志输出频繁，会占用较大的硬盘空间",
-        "color:gray;font:10px;");
-    row("label_3", "QLabel", "frame", "超时时间");
-    row("spinRpcTimeout", "QSpinBox", "frame");
-    row("label_4", "QLabel", "frame", "秒");
-    row("label_5", "QLabel", "frame", "任务调度线程数");
-    row("spinThreadNums", "QSpinBox", "frame");
-    row("line_2", "QFrame", page);
-    row("label_10", "QLabel", page, "消息推送", "font:bold;");
-    row("frame_3", "QFrame", page);
-    row("label_11", "QLabel", "frame_3", "消息拉取频率");
-    row("spinPullMessage", "QSpinBox", "frame_3");
-    row("label_12", "QLabel", "frame_3", "分钟/次");
-    row("label_13", "QLabel", "frame_3", "消息状态更新频率");
-    row("spinStatusUpdate", "QSpinBox", "frame_3");
-    row("label_14", "QLabel", "frame_3", "秒/次");
-    row("label_15", "QLabel", "frame_3", "回执上传频率");
-    row("spinUpload", "QSpinBox", "frame_3");
-    row("label_16", "QLabel", "frame_3", "分钟/次");
-}
-
-void tst_SettingsForm::widgets()
-{
-    QFETCH(QByteArray, className);
-    QFETCH(QString, parent);
-    QFETCH(QString, text);
-    QFETCH(QString, styleSheet);
-
-    const auto *widget = m_page->findChild<QWidget *>(QString::fromLatin1(QTest::currentDataTag()));
-    QVERIFY(widget);
-    QCOMPARE(QByteArray(widget->metaObject()->className()), className);
-    QCOMPARE(widget->parentWidget()->objectName(), parent);
-    QCOMPARE(widget->styleSheet(), styleSheet);
-    QCOMPARE(widget->minimumSize(), QSize(0, 0));
-    QCOMPARE(widget->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
-    if (!text.isEmpty())
-        QCOMPARE(widget->property("text").toString(), text);
-    if (const auto *number = qobject_cast<const QSpinBox *>(widget)) {
-        QCOMPARE(number->prefix(), QString());
-        QCOMPARE(number->suffix(), QString());
-        QCOMPARE(number->specialValueText(), QString());
-        QCOMPARE(number->singleStep(), 1);
-    }
-}
-
-void tst_SettingsForm::layouts()
-{
-    const char *const expected = "QVBoxLayout verticalLayout_4\n"
-                                 "  QLabel label_6\n"
-                                 "  QFrame frame_2\n"
-                                 "    QVBoxLayout verticalLayout_2\n"
-                                 "      QHBoxLayout horizontalLayout_3\n"
-                                 "        QLabel label_7\n"
-                                 "        QComboBox cbLogLevel\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "      QHBoxLayout horizontalLayout_4\n"
-                                 "        QLabel label_8\n"
-                                 "        QSpinBox spinLogDays\n"
-                                 "        QLabel label_9\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "  QFrame line\n"
-                                 "  QLabel label\n"
-                                 "  QFrame frame\n"
-                                 "    QVBoxLayout verticalLayout\n"
-                                 "      QCheckBox cbRpcLog\n"
-                                 "      QLabel labelRpcLog\n"
-                                 "      QHBoxLayout horizontalLayout\n"
-                                 "        QLabel label_3\n"
-                                 "        QSpinBox spinRpcTimeout\n"
-                                 "        QLabel label_4\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "      QHBoxLayout horizontalLayout_2\n"
-                                 "        QLabel label_5\n"
-                                 "        QSpinBox spinThreadNums\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "  QFrame line_2\n"
-                                 "  QLabel label_10\n"
-                                 "  QFrame frame_3\n"
-                                 "    QVBoxLayout verticalLayout_3\n"
-                                 "      QHBoxLayout horizontalLayout_5\n"
-                                 "        QLabel label_11\n"
-                                 "        QSpinBox spinPullMessage\n"
-                                 "        QLabel label_12\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "      QHBoxLayout horizontalLayout_6\n"
-                                 "        QLabel label_13\n"
-                                 "        QSpinBox spinStatusUpdate\n"
-                                 "        QLabel label_14\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "      QHBoxLayout horizontalLayout_7\n"
-                                 "        QLabel label_15\n"
-                                 "        QSpinBox spinUpload\n"
-                                 "        QLabel label_16\n"
-                                 "        spacer 40x20 Expanding Minimum\n"
-                                 "  spacer 20x40 Minimum Expanding\n";
-    // The layouts have a style's own spacing and margins, the items neither stretch nor alignment.
-    QCOMPARE(dumpLayout(*m_page), QString::fromLatin1(expected));
+    QCOMPARE(dumpForm(*m_page).split(QLatin1Char('\n')),
+             QString::fromUtf8(ExpectedForm).split(QLatin1Char('\n')));
 
     const Ui_SettingsForm &form = ui();
     QCOMPARE(form.horizontalSpacer, form.horizontalLayout->itemAt(3));
@@ -280,65 +154,43 @@ void tst_SettingsForm::layouts()
     QCOMPARE(form.verticalSpacer, form.verticalLayout_4->itemAt(8));
 }
 
-void tst_SettingsForm::frames()
+void tst_SettingsForm::givenObjectNameStays()
 {
-    const Ui_SettingsForm &form = ui();
-    for (const QFrame *frame : {form.frame, form.frame_2, form.frame_3}) {
-        QCOMPARE(frame->frameShape(), QFrame::StyledPanel);
-        QCOMPARE(frame->frameShadow(), QFrame::Raised);
-    }
-    for (const QFrame *line : {form.line, form.line_2}) {
-        QCOMPARE(line->frameShape(), QFrame::HLine);
-        QCOMPARE(line->frameShadow(), QFrame::Sunken);
-    }
-}
-
-void tst_SettingsForm::fieldsStartWithTheirDefaults()
-{
-    const Ui_SettingsForm &form = ui();
-    QCOMPARE(shown(*m_page), defaults());
-    for (const NumberSetting &number : NumberSettings) {
-        const QSpinBox *field = numberField(*m_page, number.objectName);
-        QCOMPARE(field->value(), number.initial);
-        QCOMPARE(field->minimum(), number.minimum);
-        QCOMPARE(field->maximum(), number.maximum);
-    }
-    QCOMPARE(form.cbRpcLog->checkState(), Qt::Unchecked);
-    QVERIFY(!form.cbRpcLog->isTristate());
+    QWidget named;
+    named.setObjectName(QStringLiteral("mine"));
+    Ui_SettingsForm form {};
+    form.setupUi(&named);
+    QCOMPARE(named.objectName(), QStringLiteral("mine"));
 }
 
 //! What assistive tools tell of each field.
 void tst_SettingsForm::fieldsHaveNames()
 {
     const Ui_SettingsForm &form = ui();
-    const auto told = [](const QWidget *field) {
-        return QStringList {field->accessibleName(), field->accessibleDescription()};
+    const QList<QPair<const QWidget *, QStringList>> fields = {
+            {form.spinLogDays, {"保留时间", "天"}},
+            {form.spinRpcTimeout, {"超时时间", "秒"}},
+            {form.spinThreadNums, {"任务调度线程数", ""}},
+            {form.spinPullMessage, {"消息拉取频率", "分钟/次"}},
+            {form.spinStatusUpdate, {"消息状态更新频率", "秒/次"}},
+            {form.spinUpload, {"回执上传频率", "分钟/次"}},
     };
-    const auto texts = [](const char *name, const char *description) {
-        return QStringList {QString::fromUtf8(name), QString::fromUtf8(description)};
-    };
+    for (const auto &[field, texts] : fields) {
+        QCOMPARE(field->accessibleName(), texts.at(0));
+        QCOMPARE(field->accessibleDescription(), texts.at(1));
+    }
     QCOMPARE(form.label_7->buddy(), form.cbLogLevel);
-    QCOMPARE(told(form.spinLogDays), texts("保留时间", "天"));
-    QCOMPARE(told(form.spinRpcTimeout), texts("超时时间", "秒"));
-    QCOMPARE(told(form.spinThreadNums), texts("任务调度线程数", ""));
-    QCOMPARE(told(form.spinPullMessage), texts("消息拉取频率", "分钟/次"));
-    QCOMPARE(told(form.spinStatusUpdate), texts("消息状态更新频率", "秒/次"));
-    QCOMPARE(told(form.spinUpload), texts("回执上传频率", "分钟/次"));
 }
 
 void tst_SettingsForm::levels()
 {
     const QComboBox *level = ui().cbLogLevel;
-    const QStringList names = {QStringLiteral("调试"), QStringLiteral("信息"),
-                               QStringLiteral("警告"), QStringLiteral("错误"),
-                               QStringLiteral("致命")};
+    const QStringList names = {"调试", "信息", "警告", "错误", "致命"};
     QCOMPARE(level->count(), names.size());
     for (int i = 0; i < names.size(); ++i) {
         QCOMPARE(level->itemText(i), names.at(i));
         QCOMPARE(level->itemData(i), QVariant(i));
     }
-    QCOMPARE(level->currentIndex(), 1);
-    QVERIFY(!level->isEditable());
 }
 
 void tst_SettingsForm::textsAreTranslatable()
@@ -365,24 +217,14 @@ void tst_SettingsForm::translatedLevelIsFound()
 
 void tst_SettingsForm::warningShowsWhileLoggingIsOn()
 {
-    show();
-    const QLabel *warning = ui().labelRpcLog;
-    QVERIFY(!warning->isVisible());
-    for (const bool on : {true, false, true}) {
-        ui().cbRpcLog->setChecked(on);
-        QCOMPARE(warning->isVisible(), on);
-    }
-    QVERIFY(warning->y() >= ui().cbRpcLog->geometry().bottom());
-}
-
-void tst_SettingsForm::storedSwitchShowsTheWarning()
-{
     m_home->write("[rpc]\nenableLogs=true\n");
     m_page = std::make_unique<SettingsForm>();
-    QVERIFY(!ui().labelRpcLog->isHidden());
     show();
     QVERIFY(ui().labelRpcLog->isVisible());
-    QCOMPARE(ui().labelRpcLog->palette().color(QPalette::WindowText), QColor(128, 128, 128));
+    for (const bool on : {false, true, false}) {
+        ui().cbRpcLog->setChecked(on);
+        QCOMPARE(ui().labelRpcLog->isVisible(), on);
+    }
 }
 
 void tst_SettingsForm::nothingIsCutOff()
@@ -393,17 +235,13 @@ void tst_SettingsForm::nothingIsCutOff()
             QRegularExpression(QStringLiteral("^(label|cb|spin|frame)")));
     QCOMPARE(widgets.size(), 27);
     for (const QWidget *widget : widgets) {
-        QVERIFY2(widget->width() >= widget->sizeHint().width(), qPrintable(widget->objectName()));
-        QVERIFY2(widget->height() >= widget->minimumSizeHint().height(),
+        const QSize needed(widget->sizeHint().width(), widget->minimumSizeHint().height());
+        QVERIFY2(widget->size().expandedTo(needed) == widget->size(),
                  qPrintable(widget->objectName()));
         QVERIFY2(widget->parentWidget()->rect().contains(widget->geometry()),
                  qPrintable(widget->objectName()));
     }
     QCOMPARE(m_page->size(), PageSize);
-
-    const QString pictures = qEnvironmentVariable("PANEL_TEST_SCREENSHOTS");
-    if (!pictures.isEmpty())
-        QVERIFY(m_page->grab().save(pictures + QStringLiteral("/settings.png")));
 }
 
 void tst_SettingsForm::tabFollowsTheReadingOrder()
@@ -411,16 +249,12 @@ void tst_SettingsForm::tabFollowsTheReadingOrder()
     show();
     const Ui_SettingsForm &form = ui();
     const QList<QWidget *> order = {
-            form.cbLogLevel,     form.spinLogDays,     form.cbRpcLog,         form.spinRpcTimeout,
-            form.spinThreadNums, form.spinPullMessage, form.spinStatusUpdate, form.spinUpload};
-    order.first()->setFocus();
-    for (int i = 1; i <= order.size(); ++i) {
+            form.spinLogDays,     form.cbRpcLog,         form.spinRpcTimeout, form.spinThreadNums,
+            form.spinPullMessage, form.spinStatusUpdate, form.spinUpload,     form.cbLogLevel};
+    form.cbLogLevel->setFocus();
+    for (QWidget *next : order) {
         QTest::keyClick(m_page->focusWidget(), Qt::Key_Tab);
-        QCOMPARE(m_page->focusWidget(), order.at(i % order.size()));
-    }
-    for (int i = order.size() - 1; i >= 0; --i) {
-        QTest::keyClick(m_page->focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
-        QCOMPARE(m_page->focusWidget(), order.at(i));
+        QCOMPARE(m_page->focusWidget(), next);
     }
 }
 
@@ -433,40 +267,23 @@ void tst_SettingsForm::inputKeepsWithinRange_data()
 
 void tst_SettingsForm::inputKeepsWithinRange()
 {
-    QFETCH(int, index);
+    QFETCH(const int, index);
     const NumberSetting &number = NumberSettings[size_t(index)];
     show();
     QSpinBox *field = numberField(*m_page, number.objectName);
-    field->setFocus();
-    const auto verify = [&](int value) {
-        QCOMPARE(field->value(), value);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_home->read(), oneKey(number.section, number.name, QByteArray::number(value)));
-    };
-    const auto press = [field](Qt::Key key) {
-        constexpr int Enough = 10;
-        for (int i = 0; i < Enough; ++i)
-            QTest::keyClick(field, key);
-    };
-    const auto type = [field](int value) {
+    const auto verifyTyped = [&](int typed, int expected) {
         field->selectAll();
-        QTest::keyClicks(field, QString::number(value));
+        QTest::keyClicks(field, QString::number(typed));
         QTest::keyClick(field, Qt::Key_Return);
+        QCOMPARE(field->value(), expected);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_home->read(), oneKey(number.section, number.name, QByteArray::number(expected)));
     };
 
-    press(Qt::Key_PageDown);
-    verify(number.minimum);
-    press(Qt::Key_PageUp);
-    verify(number.maximum);
-    QTest::keyClick(field, Qt::Key_Down);
-    verify(number.maximum - 1);
-    type(number.minimum);
-    verify(number.minimum);
+    verifyTyped(number.minimum, number.minimum);
     // Refused: a number too small in whole, a digit too many by itself.
-    type(number.minimum - 1);
-    verify(number.minimum);
-    type(number.maximum * 10);
-    verify(number.maximum);
+    verifyTyped(number.minimum - 1, number.minimum);
+    verifyTyped(number.maximum * 10, number.maximum);
 }
 
 QTEST_MAIN(tst_SettingsForm)

@@ -2,17 +2,92 @@
 
 #include <QAbstractButton>
 #include <QBoxLayout>
-#include <QHash>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QIcon>
 #include <QLabel>
 #include <QMetaEnum>
+#include <QMetaProperty>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QStackedWidget>
 #include <QStyle>
+#include <QTabWidget>
+#include <QTreeWidget>
 #include <QWidget>
+
+#include <memory>
 
 namespace {
 
 QString policyName(QSizePolicy::Policy policy)
 {
     return QString::fromLatin1(QMetaEnum::fromType<QSizePolicy::Policy>().valueToKey(policy));
+}
+
+QString lengthText(int length)
+{
+    return length == QWIDGETSIZE_MAX ? QStringLiteral("max") : QString::number(length);
+}
+
+QString sizeText(const QSize &size)
+{
+    return lengthText(size.width()) + QStringLiteral("×") + lengthText(size.height());
+}
+
+template<typename Widget>
+std::unique_ptr<QWidget> freshIf(const QWidget &widget)
+{
+    const bool isIt = widget.metaObject() == &Widget::staticMetaObject;
+    return isIt ? std::make_unique<Widget>() : nullptr;
+}
+
+//! A new widget of the class of \a widget, or a plain one for a class that no form names.
+std::unique_ptr<QWidget> freshLike(const QWidget &widget)
+{
+    for (const auto make : {freshIf<QLabel>, freshIf<QFrame>, freshIf<QPushButton>,
+                            freshIf<QCheckBox>, freshIf<QComboBox>, freshIf<QSpinBox>,
+                            freshIf<QTreeWidget>, freshIf<QTabWidget>, freshIf<QStackedWidget>}) {
+        if (std::unique_ptr<QWidget> fresh = make(widget))
+            return fresh;
+    }
+    return std::make_unique<QWidget>();
+}
+
+QString valueText(const QMetaProperty &property, const QVariant &value)
+{
+    if (property.isEnumType())
+        return QString::fromLatin1(property.enumerator().valueToKeys(value.toInt()));
+    if (value.canConvert<QSizePolicy>()) {
+        const auto policy = value.value<QSizePolicy>();
+        const QSize stretch(policy.horizontalStretch(), policy.verticalStretch());
+        return policyName(policy.horizontalPolicy()) + QLatin1Char(',')
+               + policyName(policy.verticalPolicy())
+               + (stretch.isNull() ? QString() : QLatin1Char(',') + sizeText(stretch));
+    }
+    return value.type() == QVariant::Size ? sizeText(value.toSize()) : value.toString();
+}
+
+QString describe(const QWidget &widget)
+{
+    static const QList<QByteArray> skipped = {
+            "objectName", "geometry", "icon",           "windowIcon",
+            "font",       "palette",  "accessibleName", "accessibleDescription"};
+    QString text = QString::fromLatin1(widget.metaObject()->className()) + QLatin1Char(' ')
+                   + widget.objectName();
+    const std::unique_ptr<QWidget> fresh = freshLike(widget);
+    const QMetaObject *meta = fresh->metaObject();
+    for (int i = 0; i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        if (!property.isWritable() || !property.isStored() || skipped.contains(property.name()))
+            continue;
+        const QString value = valueText(property, property.read(&widget));
+        if (value != valueText(property, property.read(fresh.get())))
+            text += QStringLiteral(" %1=%2").arg(QString::fromLatin1(property.name()), value);
+    }
+    if (!widget.isWindow() && widget.isHidden())
+        text += QStringLiteral(" hidden");
+    return text;
 }
 
 QString describe(const QLayout &layout)
@@ -51,7 +126,8 @@ void dump(const QLayout &layout, int depth, QString &out);
 
 void dump(const QWidget &widget, int depth, QString &out)
 {
-    if (widget.layout())
+    // A layout without a name is a widget's own, not the form's.
+    if (widget.layout() && !widget.layout()->objectName().isEmpty())
         dump(*widget.layout(), depth, out);
 }
 
@@ -69,13 +145,11 @@ void dump(const QLayout &layout, int depth, QString &out)
 
         QString text;
         if (const QWidget *child = item->widget()) {
-            text = QStringLiteral("%1 %2").arg(
-                    QString::fromLatin1(child->metaObject()->className()), child->objectName());
+            text = describe(*child);
         } else if (const QSpacerItem *spacer = item->spacerItem()) {
-            text = QStringLiteral("spacer %1x%2 %3 %4")
-                           .arg(spacer->sizeHint().width())
-                           .arg(spacer->sizeHint().height())
-                           .arg(policyName(spacer->sizePolicy().horizontalPolicy()),
+            text = QStringLiteral("spacer %1 %2 %3")
+                           .arg(sizeText(spacer->sizeHint()),
+                                policyName(spacer->sizePolicy().horizontalPolicy()),
                                 policyName(spacer->sizePolicy().verticalPolicy()));
         }
         if (box && box->stretch(i) != 0)
@@ -91,21 +165,11 @@ void dump(const QLayout &layout, int depth, QString &out)
 
 } // namespace
 
-QString dumpLayout(const QWidget &widget)
+QString dumpForm(const QWidget &form)
 {
-    QString out;
-    dump(widget, 0, out);
+    QString out = sizeText(form.size()) + QLatin1Char('\n') + describe(form) + QLatin1Char('\n');
+    dump(form, 0, out);
     return out;
-}
-
-QStringList namedChildren(const QObject &object)
-{
-    QStringList names;
-    for (const QObject *child : object.children()) {
-        if (!child->objectName().isEmpty())
-            names.append(child->objectName());
-    }
-    return names;
 }
 
 QStringList formTexts(const QWidget &form)
@@ -117,17 +181,4 @@ QStringList formTexts(const QWidget &form)
             texts.append(widget->property("text").toString());
     }
     return texts;
-}
-
-QStringList formMembers(const void *ui, size_t size, const QWidget &form)
-{
-    QHash<const void *, QString> names;
-    const QObjectList objects = form.findChildren<QObject *>();
-    for (const QObject *object : objects)
-        names.insert(object, object->objectName());
-    QStringList members;
-    const auto *pointers = static_cast<const void *const *>(ui);
-    for (size_t i = 0; i < size / sizeof(void *); ++i)
-        members.append(names.value(pointers[i], QStringLiteral("spacer")));
-    return members;
 }

@@ -66,6 +66,12 @@ Answer::Answer(QWK::WindowAgentBase *agent)
     });
 }
 
+ServedWindow::ServedWindow()
+{
+    agent.setup(this);
+    present();
+}
+
 Observer::Observer(QWindow *window)
 {
     window->installEventFilter(this);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QWKWidgets/widgetwindowagent.h>
+
 #include <QEvent>
 #include <QPoint>
 #include <QRect>
@@ -63,6 +65,18 @@ public:
     explicit Answer(QWK::WindowAgentBase *agent);
 
     QVector<QPoint> questions;
+};
+
+//! A window on the screen that may be dragged by its header.
+class ServedWindow : public Window
+{
+    Q_OBJECT
+
+public:
+    ServedWindow();
+
+    QWK::WidgetWindowAgent agent;
+    Answer answer {&agent};
 };
 
 //! Records the presses and releases that later event filters of \a window let pass.

@@ -24,7 +24,6 @@ private slots:
     void cleanup();
 
     void setsUpOnce();
-    void createsNoNativeWindow();
     void keepsTheWindowFrameless();
     void keepsAVisibleWindowAsItIs();
     void signalAnswersFalseWithoutReceiver();
@@ -59,20 +58,11 @@ void tst_WidgetWindowAgent::setsUpOnce()
 
     QVERIFY(!agent.setup(nullptr));
     QVERIFY(agent.setup(&window));
+    QVERIFY(!window.windowHandle());
     QVERIFY(!agent.setup(&window));
     QVERIFY(!agent.setup(&other));
     QVERIFY(!agent.setup(nullptr));
     QVERIFY(!other.windowFlags().testFlag(Qt::FramelessWindowHint));
-}
-
-void tst_WidgetWindowAgent::createsNoNativeWindow()
-{
-    Window window;
-    QWK::WidgetWindowAgent agent(&window);
-    QVERIFY(agent.setup(&window));
-    QCOMPARE(window.internalWinId(), WId(0));
-    QVERIFY(!window.windowHandle());
-    QCOMPARE(agent.parent(), &window);
 }
 
 void tst_WidgetWindowAgent::keepsTheWindowFrameless()
@@ -122,44 +112,36 @@ void tst_WidgetWindowAgent::signalAnswersFalseWithoutReceiver()
 
 void tst_WidgetWindowAgent::asksOnlyOnLeftPressAndDoubleClick()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(3) + click(2) + click(4)
             + moveTo(WindowPosition + PagePoint) + click(3, 2));
     settle(window);
-    QCOMPARE(answer.questions, QVector<QPoint>());
+    QCOMPARE(window.answer.questions, QVector<QPoint>());
 
     xdotool(drag(WindowPosition + HeaderPoint, WindowPosition + HeaderPoint + QPoint(9, 9)));
     settle(window);
-    QCOMPARE(answer.questions, QVector<QPoint>({HeaderPoint}));
+    QCOMPARE(window.answer.questions, QVector<QPoint>({HeaderPoint}));
 
-    answer.questions.clear();
+    window.answer.questions.clear();
     xdotool(moveTo(WindowPosition + QPoint(9, 9) + PagePoint) + click(1));
     settle(window);
-    QCOMPARE(answer.questions, QVector<QPoint>({PagePoint}));
+    QCOMPARE(window.answer.questions, QVector<QPoint>({PagePoint}));
 
     // The press and the double click that Qt makes of it.
-    answer.questions.clear();
+    window.answer.questions.clear();
     QMouseEvent press(QEvent::MouseButtonPress, QPoint(1, 2), Qt::LeftButton, Qt::LeftButton,
                       Qt::NoModifier);
     QCoreApplication::sendEvent(window.windowHandle(), &press);
     QMouseEvent doubleClick(QEvent::MouseButtonDblClick, QPoint(3, 4), Qt::LeftButton,
                             Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.windowHandle(), &doubleClick);
-    QCOMPARE(answer.questions, QVector<QPoint>({{1, 2}, {3, 4}}));
+    QCOMPARE(window.answer.questions, QVector<QPoint>({{1, 2}, {3, 4}}));
 }
 
 void tst_WidgetWindowAgent::swallowsTheWholeDrag()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     xdotool(moveTo(WindowPosition + HeaderPoint));
     QTRY_COMPARE(window.header->lastMotion, HeaderPoint);
@@ -176,26 +158,18 @@ void tst_WidgetWindowAgent::swallowsTheWholeDrag()
 
 void tst_WidgetWindowAgent::changesNothingOnAMereClick()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1));
     settle(window);
-    QCOMPARE(answer.questions.size(), 1);
+    QCOMPARE(window.answer.questions.size(), 1);
     verifyPlace(window, WindowPosition);
     QVERIFY(window.header->events.isEmpty());
 }
 
 void tst_WidgetWindowAgent::swallowsDoubleClicks()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
     QSignalSpy clicks(window.button, &QPushButton::clicked);
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1, 2));
@@ -217,11 +191,7 @@ void tst_WidgetWindowAgent::swallowsDoubleClicks()
 
 void tst_WidgetWindowAgent::dragsFromADoubleClick()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     const QPoint distance(60, 70);
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1) + PressLeft
@@ -233,11 +203,7 @@ void tst_WidgetWindowAgent::dragsFromADoubleClick()
 
 void tst_WidgetWindowAgent::leavesOtherPointsAlone()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     const QPoint end = PagePoint + QPoint(30, 20);
     xdotool(drag(WindowPosition + PagePoint, WindowPosition + end));
@@ -339,11 +305,7 @@ void tst_WidgetWindowAgent::endsTheDragOnAMotionWithoutButton()
 
 void tst_WidgetWindowAgent::letsAPressCloseAPopup()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     QMenu menu;
     menu.addAction(QStringLiteral("action"));
@@ -357,11 +319,7 @@ void tst_WidgetWindowAgent::letsAPressCloseAPopup()
 
 void tst_WidgetWindowAgent::isAliveRightAfterADrag()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
     QSignalSpy clicks(window.button, &QPushButton::clicked);
 
     QPoint place = WindowPosition;

@@ -122,11 +122,7 @@ void tst_WidgetWindowAgentDrag::drags()
 
 void tst_WidgetWindowAgentDrag::followsEachMotion()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
     for (const QPoint &distance : {QPoint(1, 0), QPoint(1, 1), QPoint(-37, 12), QPoint(400, 300),
@@ -143,11 +139,7 @@ void tst_WidgetWindowAgentDrag::followsEachMotion()
 
 void tst_WidgetWindowAgentDrag::followsAMotionBackToAnEarlierPlace()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     const auto pretendMotion = [&window](const QPoint &distance) {
         QMouseEvent motion(QEvent::MouseMove, HeaderPoint, HeaderPoint,
@@ -159,7 +151,7 @@ void tst_WidgetWindowAgentDrag::followsAMotionBackToAnEarlierPlace()
     const QPoint beyond(90, 70);
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
-    QTRY_COMPARE(answer.questions.size(), 1);
+    QTRY_COMPARE(window.answer.questions.size(), 1);
     pretendMotion(there);
     // Asking the server for a pixel sends the request off. Its report waits unread, since this
     // process handles no event meanwhile.
@@ -183,11 +175,7 @@ void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer_data()
 void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer()
 {
     QFETCH(const bool, isBusy);
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     QPoint place = WindowPosition;
     for (int i = 0; i < 100; ++i) {
@@ -203,7 +191,7 @@ void tst_WidgetWindowAgentDrag::endsEachFastDragAtThePointer()
             return;
         place = next;
     }
-    QCOMPARE(answer.questions.size(), 100);
+    QCOMPARE(window.answer.questions.size(), 100);
 }
 
 void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending_data()
@@ -221,11 +209,7 @@ void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending()
 {
     QFETCH(const ulong, pause);
     QFETCH(const int, distances);
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     // Sent directly and with a time of their own, so that no move is reported between them.
     ulong time = 1000;
@@ -253,11 +237,7 @@ void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending()
 
 void tst_WidgetWindowAgentDrag::startsFromWhereTheWindowWasPut()
 {
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
 
     verifyDrags(window);
     window.move(500, 400);
@@ -271,11 +251,7 @@ void tst_WidgetWindowAgentDrag::dragsOverTwoScreens()
     const QPoint distance(QGuiApplication::screens().at(1)->geometry().left(), 100);
     QVERIFY(distance.x() > 0);
 
-    Window window;
-    QWK::WidgetWindowAgent agent;
-    const Answer answer(&agent);
-    agent.setup(&window);
-    window.present();
+    ServedWindow window;
     const QPoint from = WindowPosition + HeaderPoint;
 
     xdotool(moveTo(from) + PressLeft);

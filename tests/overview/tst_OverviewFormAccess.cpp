@@ -20,7 +20,6 @@ private slots:
     void init();
     void cleanup();
 
-    void names_data();
     void names();
     void focusIsARing_data();
     void focusIsARing();
@@ -61,28 +60,16 @@ QPushButton *tst_OverviewFormAccess::focus(const QString &button)
     return focused;
 }
 
-void tst_OverviewFormAccess::names_data()
-{
-    QTest::addColumn<QString>("widget");
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("table of processes") << "treeWidgetOW"
-                                        << "运行概况";
-    QTest::newRow("table of nodes") << "treeWidgetTag"
-                                    << "服务节点";
-    QTest::newRow("service hall") << "kqfwdt"
-                                  << "朔川服务大厅";
-    QTest::newRow("knowledge base") << "kqzsk"
-                                    << "朔川知识库";
-    QTest::newRow("repair") << "xfkqfw"
-                            << "修复朔川服务";
-}
-
 void tst_OverviewFormAccess::names()
 {
-    QFETCH(QString, widget);
-
-    QTEST(m_page->findChild<QWidget *>(widget)->accessibleName(), "name");
+    const QList<QPair<const char *, const char *>> expected = {
+            {"treeWidgetOW", "运行概况"}, {"treeWidgetTag", "服务节点"}, {"kqfwdt", "朔川服务大厅"},
+            {"kqzsk", "朔川知识库"},      {"xfkqfw", "修复朔川服务"},
+    };
+    for (const auto &[widget, name] : expected) {
+        QCOMPARE(m_page->findChild<QWidget *>(QLatin1String(widget))->accessibleName(),
+                 QString::fromUtf8(name));
+    }
 }
 
 void tst_OverviewFormAccess::focusIsARing_data()

@@ -11,7 +11,7 @@ need_packages "${build_packages[@]}" "${run_packages[@]}" "${display_packages[@]
 
 build=$project/build/test
 configure test -DCMAKE_BUILD_TYPE=Release -DPANEL_LTO=OFF -DBUILD_TESTING=ON
-cmake --build "$build" --target screenshots tst_Desktops
+cmake --build "$build" --target screenshots tst_Desktops fancy_gallery
 
 all=$project/build/screenshots
 rm -rf "$all"
@@ -21,9 +21,10 @@ in_desktop() {
     "$project/tests/support/in-desktop.sh" --screen "$1" --pid-namespace -- "${@:2}"
 }
 in_desktop 2560x1600x24 "$build/tests/panel/screenshots"
+in_desktop 2560x1600x24 "$build/tests/fancy/fancy_gallery" "$all/gallery.png"
 in_desktop 2700x2000x24 "$build/tests/panel/tst_Desktops" isScaledAndWhole isReadableInEveryTheme
 
-for screenshot in "$all"/panel-*.png "$all"/desktop-{144,192,adwaita-dark-at-96}.png; do
+for screenshot in "$all"/gallery.png "$all"/panel-*.png "$all"/desktop-{144,192,adwaita-dark-at-96}.png; do
     convert "$screenshot" -strip -define png:compression-level=9 -define png:compression-filter=1 \
         "$project/docs/screenshots/$(basename "$screenshot")"
 done

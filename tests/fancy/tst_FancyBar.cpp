@@ -121,11 +121,11 @@ void tst_FancyBar::buildsTheTitleRow()
                            "  QVBoxLayout  spacing 0\n"
                            "    QWidget title\n"
                            "      QHBoxLayout  spacing 0 margins 0,0,0,0\n"
-                           "        spacer 0x0 Minimum Minimum\n"
+                           "        spacer 0×0 Minimum Minimum\n"
                            "        QHBoxLayout controls spacing 0\n"
-                           "        spacer 0x0 Fixed Minimum\n"
+                           "        spacer 0×0 Fixed Minimum\n"
                            "        QWidget system\n";
-    QCOMPARE(dumpLayout(*bar), QString::fromLatin1(expected));
+    QCOMPARE(dumpLayout(*bar), QString::fromUtf8(expected));
     QCOMPARE(d.m_systemGroup, bar->titleBar()->systemGroup());
     QCOMPARE(d.m_titleWidget->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
     QCOMPARE(d.m_titleWidget->sizePolicy().verticalPolicy(), QSizePolicy::Preferred);
@@ -176,9 +176,9 @@ void tst_FancyBar::buildsTheMenuRowOnRequest()
     const char *expected = "QHBoxLayout  spacing 0 margins 1,0,0,0\n"
                            "  QHBoxLayout buttons spacing 0 margins 0,2,0,2\n"
                            "  QHBoxLayout menu bar spacing 0\n"
-                           "  spacer 0x0 Expanding Minimum\n"
+                           "  spacer 0×0 Expanding Minimum\n"
                            "  QHBoxLayout controls spacing 0\n";
-    QCOMPARE(dumpLayout(*d.m_menuWidget), QString::fromLatin1(expected));
+    QCOMPARE(dumpLayout(*d.m_menuWidget), QString::fromUtf8(expected));
     QCOMPARE(d.m_menuWidget->layout()->itemAt(2)->spacerItem(), d.m_middleSpacerItem);
 
     const QWidget *row = d.m_menuWidget;

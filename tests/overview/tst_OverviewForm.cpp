@@ -4,7 +4,6 @@
 #include "tests/support/ProcessCounters.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
-#include "tests/support/rounds.h"
 #include "ui_OverviewForm.h"
 
 #include <QHeaderView>
@@ -362,12 +361,12 @@ void tst_OverviewForm::rowLeavesNothingBehind()
     for (int i = 0; i < 20; ++i)
         refresh(page);
 
-    const int rounds = roundsOr(200);
+    constexpr int Rounds = 200;
     const int descriptors = openDescriptors();
     const int children = childProcesses().size();
     const int objects = page.findChildren<QObject *>().size();
     const qint64 bytes = heapBytesInUse();
-    for (int i = 0; i < rounds; ++i)
+    for (int i = 0; i < Rounds; ++i)
         refresh(page);
 
     QCOMPARE(openDescriptors(), descriptors);

@@ -2,6 +2,7 @@
 
 #include "tests/settings/SettingsHome.h"
 #include "tests/support/OrdinaryUser.h"
+#include "tests/support/ResourceLimit.h"
 #include "tests/support/files.h"
 
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <csignal>
 #include <memory>
 
 #include <sys/stat.h>
@@ -20,6 +22,8 @@ namespace {
 
 //! Well below what Qt waits for a lock whose owner it can't tell.
 constexpr int QuickMs = 10000;
+//! More than the lock file of the settings takes.
+constexpr rlim_t LockBytes = 1000;
 
 //! Dates \a path \a seconds back.
 void age(const QString &path, int seconds)
@@ -50,6 +54,8 @@ private slots:
     void unwritableConfigurationFolder();
     void unusablePlaces_data();
     void unusablePlaces();
+    void diskFull_data();
+    void diskFull();
     void abandonedLockIsRemoved();
     void lockOfAnotherIsLeftAlone();
 
@@ -160,6 +166,34 @@ void tst_SettingsFaults::unusablePlaces()
         QCOMPARE(readFile(m_home->folder()), QByteArray("content"));
     else
         QVERIFY(QFileInfo(m_home->file()).isDir());
+}
+
+void tst_SettingsFaults::diskFull_data()
+{
+    QTest::addColumn<uint>("bytes");
+
+    QTest::newRow("not even for the lock") << 0U;
+    QTest::newRow("but for the lock") << uint(LockBytes);
+}
+
+void tst_SettingsFaults::diskFull()
+{
+    QFETCH(const uint, bytes);
+    const QByteArray others = "\n[zz]\nother=" + QByteArray(2 * int(LockBytes), 'x') + '\n';
+    m_home->write("[msg]\nuploadInterval=3\n" + others);
+    const SettingsForm page;
+    {
+        // Writing fails then as on a full disk.
+        const auto handler = signal(SIGXFSZ, SIG_IGN);
+        const ResourceLimit disk(RLIMIT_FSIZE, bytes);
+        change(page);
+        signal(SIGXFSZ, handler);
+    }
+    QCOMPARE(shown(page), defaultsBut(MsgUpload, QStringLiteral("7")));
+
+    // With space again, the next change takes along what could not be written.
+    changeNumber(page, "spinThreadNums", 8);
+    QCOMPARE(m_home->read(), "[msg]\nuploadInterval=7\n\n[rpc]\nthreads=8\n" + others);
 }
 
 //! What a panel leaves that was killed between creating and signing its lock holds nobody up.

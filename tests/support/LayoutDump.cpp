@@ -68,13 +68,21 @@ QString valueText(const QMetaProperty &property, const QVariant &value)
     return value.type() == QVariant::Size ? sizeText(value.toSize()) : value.toString();
 }
 
+//! What is written of a layout tree: a form's, or only class and name of every widget.
+enum class Detail { Form, Names };
+
+QString nameText(const QObject &object)
+{
+    return QString::fromLatin1(object.metaObject()->className()) + QLatin1Char(' ')
+           + object.objectName();
+}
+
 QString describe(const QWidget &widget)
 {
     static const QList<QByteArray> skipped = {
             "objectName", "geometry", "icon",           "windowIcon",
             "font",       "palette",  "accessibleName", "accessibleDescription"};
-    QString text = QString::fromLatin1(widget.metaObject()->className()) + QLatin1Char(' ')
-                   + widget.objectName();
+    QString text = nameText(widget);
     const std::unique_ptr<QWidget> fresh = freshLike(widget);
     const QMetaObject *meta = fresh->metaObject();
     for (int i = 0; i < meta->propertyCount(); ++i) {
@@ -92,8 +100,7 @@ QString describe(const QWidget &widget)
 
 QString describe(const QLayout &layout)
 {
-    QString text = QStringLiteral("%1 %2").arg(
-            QString::fromLatin1(layout.metaObject()->className()), layout.objectName());
+    QString text = nameText(layout);
 
     const QWidget *owner = layout.parentWidget();
     const bool isTopLayout = owner->layout() == &layout;
@@ -122,16 +129,17 @@ QString describe(const QLayout &layout)
     return text;
 }
 
-void dump(const QLayout &layout, int depth, QString &out);
+void dump(const QLayout &layout, Detail detail, int depth, QString &out);
 
-void dump(const QWidget &widget, int depth, QString &out)
+void dump(const QWidget &widget, Detail detail, int depth, QString &out)
 {
-    // A layout without a name is a widget's own, not the form's.
-    if (widget.layout() && !widget.layout()->objectName().isEmpty())
-        dump(*widget.layout(), depth, out);
+    // In a form a layout without a name is a widget's own.
+    const QLayout *layout = widget.layout();
+    if (layout && (detail == Detail::Names || !layout->objectName().isEmpty()))
+        dump(*layout, detail, depth, out);
 }
 
-void dump(const QLayout &layout, int depth, QString &out)
+void dump(const QLayout &layout, Detail detail, int depth, QString &out)
 {
     out += QString(2 * depth, QLatin1Char(' ')) + describe(layout) + QLatin1Char('\n');
 
@@ -139,13 +147,13 @@ void dump(const QLayout &layout, int depth, QString &out)
     for (int i = 0; i < layout.count(); ++i) {
         QLayoutItem *item = layout.itemAt(i);
         if (const QLayout *child = item->layout()) {
-            dump(*child, depth + 1, out);
+            dump(*child, detail, depth + 1, out);
             continue;
         }
 
         QString text;
         if (const QWidget *child = item->widget()) {
-            text = describe(*child);
+            text = detail == Detail::Form ? describe(*child) : nameText(*child);
         } else if (const QSpacerItem *spacer = item->spacerItem()) {
             text = QStringLiteral("spacer %1 %2 %3")
                            .arg(sizeText(spacer->sizeHint()),
@@ -159,7 +167,7 @@ void dump(const QLayout &layout, int depth, QString &out)
         out += QString(2 * (depth + 1), QLatin1Char(' ')) + text + QLatin1Char('\n');
 
         if (const QWidget *child = item->widget())
-            dump(*child, depth + 2, out);
+            dump(*child, detail, depth + 2, out);
     }
 }
 
@@ -168,7 +176,14 @@ void dump(const QLayout &layout, int depth, QString &out)
 QString dumpForm(const QWidget &form)
 {
     QString out = sizeText(form.size()) + QLatin1Char('\n') + describe(form) + QLatin1Char('\n');
-    dump(form, 0, out);
+    dump(form, Detail::Form, 0, out);
+    return out;
+}
+
+QString dumpLayout(const QWidget &widget)
+{
+    QString out;
+    dump(widget, Detail::Names, 0, out);
     return out;
 }
 

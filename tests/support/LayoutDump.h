@@ -16,5 +16,8 @@ class QWidget;
 */
 QString dumpForm(const QWidget &form);
 
+//! The layout tree of \a widget likewise, of widgets class and object name only.
+QString dumpLayout(const QWidget &widget);
+
 //! The window title of \a form and the texts of its labels and buttons, in order of creation.
 QStringList formTexts(const QWidget &form);

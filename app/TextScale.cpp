@@ -22,7 +22,7 @@ constexpr qreal BaseDpi = 96;
 constexpr qreal LeastScaledDpi = 110;
 constexpr qreal ScaleStep = 0.25;
 
-//! Each of them is a wish that the user has addressed to Qt itself.
+//! Where one of them is set, the user controls Qt's scaling.
 constexpr std::array<const char *, 4> ScalingVariables = {
         "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_AUTO_SCREEN_SCALE_FACTOR",
         "QT_ENABLE_HIGHDPI_SCALING"};
@@ -174,7 +174,7 @@ void TextScale::keepFromChildren()
 
 qreal TextScale::forWindow(qreal dpi, const QSize &windowSize, const QSize &workArea)
 {
-    // Written so that no scale comes of what is not a number.
+    // Negated, so that NaN gives 1.
     if (!(dpi >= LeastScaledDpi))
         return 1;
 

@@ -7,10 +7,10 @@
     Has Qt scale the whole program by the text scale that the user has chosen for the desktop: the X
     resource Xft.dpi, of which 96 means a scale of 1.
 
-    Create one before the application object, and call keepFromChildren() once that stands. In
-    between, environment variables tell Qt the scale. They are not touched where the user has told
-   Qt itself what to do, in QT_SCALE_FACTOR, QT_SCREEN_SCALE_FACTORS, QT_AUTO_SCREEN_SCALE_FACTOR or
-    QT_ENABLE_HIGHDPI_SCALING.
+    Create one before the application object, and call keepFromChildren() once that exists. In
+    between, QT_SCALE_FACTOR (for a scale other than 1) and QT_FONT_DPI (where it isn't set) tell Qt
+    the scale. Neither is set where the user has told Qt what to do, in QT_SCALE_FACTOR,
+    QT_SCREEN_SCALE_FACTORS, QT_AUTO_SCREEN_SCALE_FACTOR or QT_ENABLE_HIGHDPI_SCALING.
 
     A resource below 110 counts as 96. So does the resolution that the X server computes by itself
     from the size of the monitor, which Qt would take for the user's choice. The scale is fixed from

@@ -4,7 +4,7 @@
 
 void VTWebUrlHandler::handle(const QUrl &url)
 {
-    // Unused: the design creates it, though the call below is static.
+    // Unused: the call below is static.
     const QProcess process;
     QProcess::startDetached(QStringLiteral("xdg-open"), {url.toString()});
 }

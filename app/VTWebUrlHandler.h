@@ -8,8 +8,8 @@
 
     Register an instance with QDesktopServices::setUrlHandler() for each scheme that it is to
     serve, with the method name "handle". From then on QDesktopServices::openUrl() starts
-    "xdg-open" for such an address as a child of this process, in this process's environment,
-    instead of going through Qt's own opener. The instance must outlive the registration.
+    "xdg-open" for such an address, detached and in this process's environment, instead of going
+    through Qt's own opener. The instance must outlive the registration.
 */
 class VTWebUrlHandler : public QObject
 {

@@ -6,7 +6,7 @@
 #include <QVariant>
 
 /*!
-    Runs \a program with \a arguments and waits for its end.
+    Runs \a program with \a arguments and waits for its end in the calling thread, the main one.
 
     Returns the whole standard output (a QByteArray) and the exit code (an int), in this order, or
     an empty list when the program could not be started within 30000 milliseconds. A program killed

@@ -27,9 +27,9 @@ constexpr std::array<const char *, 4> PrivateVariables = {
         "LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH"};
 
 /*!
-    Puts the null device in the place of each standard stream that is closed. Else the next files to
-    be opened, such as the connection to the X server, would take their numbers, and with them what
-    is logged and what children write.
+    Opens the null device for each standard stream that is closed. Otherwise the next files, such as
+    the connection to the X server, would get descriptors 0 to 2 and with them the log and the
+    output of children.
 */
 void openStandardStreams()
 {
@@ -91,6 +91,7 @@ int main(int argc, char *argv[])
     const QList<QVariant> probe =
             executeInMain(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
     std::optional<qint64> pid = Daemon::singlePid(probe);
+    // For code that asks the application object; the panel itself doesn't read it.
     if (pid)
         app.setProperty("CorvanePid", *pid);
 
@@ -103,7 +104,7 @@ int main(int argc, char *argv[])
 
     ServiceContainer window(nullptr);
 
-    // The screen's own corner is left out: the place is relative to (0, 0).
+    // Centred on a screen at (0, 0), wherever the window's own screen lies.
     const QSize screenSize = QApplication::desktop()->screenGeometry(&window).size();
     window.move((screenSize.width() - window.width()) / 2,
                 (screenSize.height() - window.height()) / 2);

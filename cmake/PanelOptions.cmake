@@ -21,7 +21,7 @@ set(PANEL_WINDOW_AGENT "bundled" CACHE STRING
     "Frameless-window agent: bundled (windowkit/) or system (an installed QWindowKit)")
 set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS bundled system)
 
-# Stated, so that it stands in the compile commands, where other tools read it.
+# Set, so that -std stands in the compile commands, which other tools read.
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)

@@ -221,7 +221,7 @@ void FancyBarPrivate::menuTriggered(QMouseEvent *event)
     if (!event || !button || !button->defaultAction() || !button->defaultAction()->menu())
         return;
     QMenu *menu = button->defaultAction()->menu();
-    // Required: each press connects anew, and the connections add up.
+    // Each press connects anew, and the connections add up: handlers run once per press so far.
     connect(menu, &QMenu::aboutToShow, this, &FancyBarPrivate::aboutToShowMenu);
     connect(menu, &QMenu::aboutToHide, this, &FancyBarPrivate::aboutToHideMenu);
 

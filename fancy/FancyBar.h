@@ -17,8 +17,8 @@ class QAction;
     close(), the bar doesn't. Its height is fixed by setTitleBarHeight(), and by nothing before that
     is called.
 
-    The bar has the makings of a second row, for a menu bar and further buttons. It is not built by
-    default.
+    A second row, for a menu bar and further buttons, exists in the private part only: MenuPosition
+    has no effect before it is built there.
 
     \section ownership Ownership
 
@@ -35,7 +35,7 @@ public:
         TitlePosition = 0,
         MenuPosition = 1,
     };
-    //! How the rows are arranged.
+    //! How the rows are arranged. Reserved: no function takes it.
     enum FancyStyle {
         WindowStyle = 0,
         ClassicStyle = 1,

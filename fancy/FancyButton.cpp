@@ -26,7 +26,7 @@ constexpr int FocusWidth = 2;
 //! A pixmap of \a icon of \a size in device pixels, as far as the icon has one so large.
 QPixmap devicePixmap(const QIcon &icon, const QSize &size)
 {
-    // With the attribute QIcon takes a size for one in points and multiplies it once more.
+    // With AA_UseHighDpiPixmaps, QIcon would multiply the size by the device pixel ratio once more.
     const bool multiplies = QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, false);
     const QPixmap pixmap = icon.pixmap(size, QIcon::Normal, QIcon::Off);
@@ -62,7 +62,7 @@ FancyButton::FancyButton(QWidget *parent)
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setColor(Qt::white);
-    // With it the base would open a menu that the keyboard or click() presses the button for.
+    // Otherwise the base opens the menu on pressed(), for the keyboard and click().
     disconnect(this, SIGNAL(pressed()), this, SLOT(_q_buttonPressed()));
 }
 
@@ -162,7 +162,7 @@ void FancyButton::setRound(bool round)
 // Without the base's handler, which would announce the default action to the status bar.
 void FancyButton::enterEvent(QEvent *)
 {
-    // A style that the application has left takes the attribute away.
+    // When the application changes its style, the former one's unpolish() clears WA_Hover.
     setAttribute(Qt::WA_Hover);
     if (d && isEnabled())
         d->m_bMouseHover = true;
@@ -194,8 +194,7 @@ void FancyButton::mouseDoubleClickEvent(QMouseEvent *event)
         emit doubleClicked();
 }
 
-// Without the base's check state: the base would trigger the default action beside clicked(), which
-// is to be connected to it.
+// The base would also trigger the default action; callers connect clicked() to it.
 void FancyButton::nextCheckState()
 {
     if (!defaultAction())

@@ -6,9 +6,9 @@
 struct FancyButtonPrivate;
 
 /*!
-    A flat tool button that paints its own background for its states (idle, under the pointer,
-   pressed), draws its icon centred at exactly iconSize() on screens of any density, and leaves the
-    opening of a menu to whoever listens to menuTriggered().
+    A flat tool button that paints its own background for its states (idle, hovered, pressed), draws
+    its icon centred at exactly iconSize() on screens of any density, and leaves the opening of a
+    menu to whoever listens to menuTriggered().
 
     Differences from QToolButton that a caller should know:
 
@@ -37,8 +37,7 @@ class FancyButton : public QToolButton
 public:
     /*!
         Creates an auto-raising, icon-only button with a border, white text, a translucent white
-        hover colour, a translucent black press colour and no normal colour. It belongs to \a
-       parent.
+        hover colour, a translucent black press colour and no normal colour. \a parent owns it.
     */
     explicit FancyButton(QWidget *parent = nullptr);
     ~FancyButton() override;

@@ -4,7 +4,8 @@
 #include <QRect>
 
 /*!
-    A snapshot of the geometry of the screens, for a window that moves and resizes itself.
+    A snapshot of the geometry of the screens, for windows that move and resize themselves; the
+    panel doesn't use it.
 
     A plain value: it holds what was so when it was constructed and doesn't follow changes. Without
     an application object it holds no screen. All lengths are in device-independent pixels.

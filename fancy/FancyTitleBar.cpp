@@ -201,7 +201,7 @@ void FancyTitleBarPrivate::windowStateChange(QObject *)
     const bool maximized = m_mainWidget->isMaximized();
     const bool maximizable = m_windowFlags.testFlag(Qt::WindowMaximizeButtonHint);
 
-    // The branches differ in the order of tooltip and property, which receivers can see.
+    // Each branch keeps its order of tooltip and property: event filters see both changes.
     if (maximized) {
         m_maximizeButton->setToolTip(tr("还原"));
         m_maximizeButton->setProperty(MaximizeProperty, QStringLiteral("restore"));

@@ -8,9 +8,9 @@ class QWidget;
 
 /*!
     Gives a frameless top-level widget, its main widget, the buttons that a window frame would have:
-    minimize, maximize or restore, and close, in one group widget, with a system menu of the same
-    commands. It follows the window's state, so that the maximize button always shows what it would
-    do.
+    minimize, maximize or restore, and close, in one group widget. It follows the window's state, so
+    that the maximize button always shows what it would do. A system menu of the same commands is
+    built, but nothing opens it so far.
 
     The title bar is no widget. It draws no caption and neither moves nor resizes the window: place
     systemGroup() in a strip of your own. Construct it when the main widget has its final window
@@ -88,8 +88,8 @@ public:
 
 signals:
     /*!
-        The window was maximized (false) or restored (true) by the title bar's own operations for a
-        given widget. The buttons, the menu and the window manager don't emit it.
+        For connections: the window was maximized (false) or restored (true) by private operations
+        that nothing calls so far. The buttons and the window manager don't emit it.
     */
     void windowResizable(bool resizable);
     //! For connections; not emitted by the title bar.

@@ -30,7 +30,7 @@ public:
 
     void maximize();
     void restore();
-    void minmize(); // this spelling is part of the interface
+    void minmize(); // sic
 
     void windowStateChange(QObject *watched);
     void restoreWidget(QWidget *widget);

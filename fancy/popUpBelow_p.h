@@ -5,8 +5,8 @@
 #include <QWidget>
 
 /*!
-    Opens \a menu at the bottom left corner of \a button, on which \a press has happened. The place
-   is that of the press, so it holds even if the button has moved since.
+    Opens \a menu at the bottom left corner of \a button, where that was at \a press: it may have
+    moved since.
 */
 inline void popUpBelow(const QWidget &button, QMenu &menu, const QMouseEvent &press)
 {

@@ -201,8 +201,8 @@ void OverviewForm::syncOWInfo()
         const qint64 pid = Daemon::pidOrZero(probe);
         const QList<QVariant> detail = run(*this, Daemon::detailCommand(pid));
         const QString text = Daemon::outputText(detail);
-        // Unlike the probe's, this result is judged by its output read as a number, never by the
-        // exit code: text is no number and passes. Where the test fails, lastPid keeps its value.
+        // first() is the output, not the exit code, and text converts to 0: any output passes but
+        // a number other than 0. Where the test fails, lastPid keeps its value.
         if (!text.isEmpty() && detail.first().toInt() == 0) {
             lastPid = pid;
             row = rowFromDetail(text);

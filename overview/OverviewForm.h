@@ -31,9 +31,8 @@ public:
     ~OverviewForm() override;
 
     /*!
-        Runs \a program with \a arguments and waits for its end. Returns the standard output (a
-        QByteArray) and the exit code (an int), or an empty list when it could not be started
-        within 30000 milliseconds.
+        The same as executeInMain(): runs \a program with \a arguments, and returns its standard
+        output and its exit code or an empty list.
     */
     QList<QVariant> execute(const QString &program, const QStringList &arguments);
 
@@ -57,5 +56,6 @@ private:
     Ui_OverviewForm *ui;
     QTimer *timer = nullptr;
     qint64 lastPid;
+    //! For the rows of the node table, which has no source of data.
     QMap<QString, QTreeWidgetItem *> serviceItems;
 };

@@ -79,7 +79,7 @@ else
     (inside useradd --create-home tester)
     clone panel root
     clone home/tester/panel tester
-    # In a changed root nobody may make a user namespace either.
+    # Inside a chroot nobody may make a user namespace either.
     without=(setpriv --bounding-set=-sys_admin --inh-caps=-sys_admin)
     try plain-root "${without[@]}" /panel/scripts/test.sh
     try plain-user "${without[@]}" --reuid=tester --regid=tester --clear-groups \

@@ -24,8 +24,8 @@ missing_packages() {
     done
 }
 
-# need_packages PACKAGE...: installs what is missing, as root or through sudo. Where neither is to be
-# had it prints the command to type and ends the script. Calls no package manager when nothing is
+# need_packages PACKAGE...: installs what is missing, as root or through sudo. Where neither is
+# available it prints the command to type and ends the script. Calls no package manager when nothing is
 # missing. On a system that isn't Debian's it only looks for what the packages are needed for.
 need_packages() {
     local missing prefix=()

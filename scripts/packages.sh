@@ -26,7 +26,7 @@ check_packages=(clang clang-format clang-tidy clazy git pre-commit shellcheck)
 # To measure it.
 bench_packages=(hyperfine libx11-dev)
 
-# The programs that those of them bring which aren't libraries, fonts, themes or services.
+# The programs that these packages bring, to look for where there is no apt-get.
 declare -A tools_of=(
     [cmake]=cmake [g++]=c++ [ninja-build]=ninja [pkg-config]=pkg-config [git]=git
     [procps]='pgrep ps' [xdg-utils]=xdg-open [tini]=tini

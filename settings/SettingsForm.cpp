@@ -141,7 +141,7 @@ void SettingsForm::loadConfig()
 {
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation)
                            + QStringLiteral("/KqVantora");
-    // A relative path is created a second time inside itself; the design keeps that.
+    // Both calls' paths are the same: a relative one is created a second time inside itself.
     QDir(folder).mkpath(folder);
     const QString file = QStringLiteral("%1/settings.ini").arg(folder);
     removeAbandonedLock(file);
@@ -164,7 +164,7 @@ void SettingsForm::loadConfig()
 
 void SettingsForm::saveConfig()
 {
-    // Empty: the slots below write each change at once.
+    // Empty: each slot below already hands its change to QSettings.
 }
 
 void SettingsForm::logLevelChanged()

@@ -31,8 +31,8 @@ public:
     /*!
         Opens the settings file and shows its values; called once, by the constructor. A key that
         is missing or not accepted leaves its field unchanged and stays as it is in the file; a
-        value other than the default is written back. A file that can't be opened or parsed changes
-        no field; later changes are still handed to it.
+        number or switch other than the default is written back, a level is not. A file that can't
+       be opened or parsed changes no field; later changes are still handed to it.
     */
     void loadConfig();
     //! Does nothing: each change is already written.

@@ -50,7 +50,6 @@ Border sheetBorder(const QWidget &widget)
 }
 
 //! Paints rectangles that are given in a widget's coordinates on whole device pixels.
-
 class DevicePainter
 {
 public:
@@ -72,8 +71,8 @@ public:
         m_painter.fillRect(m_toWidget.mapRect(QRectF(deviceRect)), color);
     }
 
-    //! How thick a line of 1 pixel is that covers Qt's own, which is half a device pixel off at
-    //! most.
+    //! In device pixels, what covers Qt's own line of 1 pixel, which is off by half a device pixel
+    //! at most.
     int covering() const { return int(std::ceil(m_ratio + 0.5)); }
 
     //! Lines along \a edges, inside of \a widget, \a width device pixels thick.
@@ -111,7 +110,7 @@ void paintSeparator(QFrame &line)
 
 /*!
     The gaps of 2 pixels between the columns of \a header, and those along \a edges, on \a viewport.
-    \a cellColor is that of cells whose edges Qt blurs; it is invalid where it doesn't.
+    \a cellColor repairs the edges of cells that Qt blurs; it is invalid where Qt doesn't.
 */
 void paintGaps(const QHeaderView &header, QWidget &viewport, Qt::Edges edges,
                const QColor &cellColor)
@@ -152,7 +151,7 @@ bool DeviceLines::eventFilter(QObject *watched, QEvent *event)
         return QObject::eventFilter(watched, event);
     const qreal ratio = widget->devicePixelRatioF();
     auto *frame = qobject_cast<QFrame *>(widget);
-    // Styles draw a frame astride its edge, and so cut it off, at any ratio above 1.
+    // Above a ratio of 1 styles centre the frame on the widget's edge, which clips half of it.
     if (frame && isPlainFrame(*frame) && ratio > 1) {
         DevicePainter painter(frame);
         painter.frame(*frame, frame->palette().color(QPalette::Mid), painter.nearest(1));
@@ -173,7 +172,7 @@ bool DeviceLines::eventFilter(QObject *watched, QEvent *event)
     if (const auto *header = qobject_cast<QHeaderView *>(widget->parentWidget())) {
         paintGaps(*header, *widget, AllEdges, sectionColor(*header->parentWidget()));
     } else if (const auto *tree = qobject_cast<QTreeView *>(widget->parentWidget())) {
-        // Its last row reaches to the very bottom.
+        // The last row reaches the bottom edge.
         paintGaps(*tree->header(), *widget, AllEdges & ~Qt::BottomEdge, QColor());
     } else {
         const Border border = sheetBorder(*widget);

@@ -16,7 +16,7 @@ namespace {
 constexpr int TabHeight = 32;
 constexpr int MinimumTabWidth = 80;
 constexpr int HoverInset = 4;
-//! Beside each part of a tab that stands next to its text.
+//! Between the text of a tab and an icon or a button.
 constexpr int PartSpacing = 4;
 
 constexpr char16_t WideCharacter = u'\u94B0';

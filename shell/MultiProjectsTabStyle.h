@@ -5,9 +5,9 @@
 class QTabBar;
 
 /*!
-    Paints and measures the tabs of one tab bar: all of the same width and 32 pixels high, on a flat
-    background that is rounded and inset under the mouse, with the icon centred left of a text that
-    is cut in the middle where it is too long, and blue on the selected tab.
+    Paints and measures the tabs of one tab bar. All have the same width and are 32 pixels high. The
+    background is flat, under the mouse rounded and inset. The icon is centred left of the text. A
+    text that is too long is elided in the middle; that of the selected tab is blue.
 
     The style is for the tab bar that it is given, which it doesn't own and which must not be
     destroyed before the last use of the style. QWidget::setStyle() takes no ownership: whoever
@@ -26,11 +26,12 @@ public:
     explicit MultiProjectsTabStyle(QTabBar *tabBar, QStyle *style = nullptr);
 
     /*!
-        The common width of all tabs in pixels, or -1 when there is no tab.
+        Returns the common width of all tabs in pixels, or -1 when there is no tab; adjusts
+        nothing.
 
-        It is that of the widest tab and at least 80, but no more than an even share of the tab
-        bar's parent (if it has one) and than thirty wide characters of text need; and in any case
-        enough for three.
+        It is the width of the widest tab and at least 80, limited to an equal share of the tab
+        bar's parent (if it has one) and to thirty wide characters of text. It is never less than
+        three wide characters need.
     */
     int adjustItemSize() const;
 
@@ -57,6 +58,7 @@ public:
 private:
     bool showsAsSelected(const QStyleOption &option) const;
 
+    //! Whether the selected tab shows as such. Nothing sets it to false.
     bool _bIsActived = true;
     QTabBar *_tabBar;
 };

@@ -91,7 +91,7 @@ void ServiceContainer::changeEvent(QEvent *event)
 void ServiceContainer::fitToTheme()
 {
     fitStyle();
-    fitButtonsOfBoxes();
+    fitMessageBoxButtons();
     const QList<QWidget *> widgets = ui->stackedWidget->findChildren<QWidget *>();
     // One by one: below a style sheet Qt hands no palette on.
     for (QWidget *widget : widgets) {
@@ -109,9 +109,10 @@ void ServiceContainer::fitToTheme()
 
 /*!
     Some styles write the text of a focused button in the colour of selected text, and few desktops
-    care for its contrast. The message boxes' buttons get black where that reads better.
+    care for its contrast. Push buttons of the application get black where that reads better; those
+    of the page have a palette of their own, so only message boxes change.
 */
-void ServiceContainer::fitButtonsOfBoxes()
+void ServiceContainer::fitMessageBoxButtons()
 {
     QPalette palette = QApplication::palette("QPushButton");
     const QColor background = palette.color(QPalette::Active, QPalette::Highlight);

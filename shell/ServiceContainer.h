@@ -21,8 +21,8 @@ class ServiceContainer : public QWidget
 
 public:
     /*!
-        Builds the window with its pages; each page does what it does at its start, the run-status
-        page a first refresh. \a parent is the owner.
+        Builds the window with its pages. Blocks for the run-status page's first refresh, and has
+        the settings page create its folder and read its file. \a parent is the owner.
     */
     explicit ServiceContainer(QWidget *parent = nullptr);
     ~ServiceContainer() override;
@@ -45,7 +45,7 @@ public slots:
 private:
     void fitToTheme();
     void fitStyle();
-    static void fitButtonsOfBoxes();
+    static void fitMessageBoxButtons();
 
     Ui_ServiceContainer *ui;
     FancyBar *bar = nullptr;

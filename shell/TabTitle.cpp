@@ -9,7 +9,7 @@
 #include <QTabBar>
 
 namespace {
-constexpr QSize PictureSize(18, 17);
+constexpr QSize IconSize(18, 17);
 }
 
 TabTitle::TabTitle(QWidget *parent)
@@ -18,11 +18,12 @@ TabTitle::TabTitle(QWidget *parent)
 {
     ui->setupUi(this);
 
-    // The strip of colour has a text that nobody is meant to see or to hear of. An empty name would
-    // be none.
+    // The accent's placeholder text must be neither visible nor read out; an empty accessible name
+    // would fall back to it.
     ui->labelSpace->setIndent(ui->labelSpace->maximumWidth());
     ui->labelSpace->setAccessibleName(QStringLiteral(" "));
     ui->label->setAttribute(Qt::WA_MouseTracking);
+    // Without effect as long as the header has no eventFilter() of its own.
     ui->label->installEventFilter(this);
 
     QTabBar *tabBar = ui->tabWidget->tabBar();
@@ -43,11 +44,11 @@ TabTitle::TabTitle(QWidget *parent)
                           QStringLiteral("服务设置"));
 
     const qreal ratio = devicePixelRatioF();
-    QPixmap picture =
+    QPixmap icon =
             QPixmap(QStringLiteral(":/client/resources/application.svg"))
-                    .scaled(PictureSize * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    picture.setDevicePixelRatio(ratio);
-    ui->labelIcon->setPixmap(picture);
+                    .scaled(IconSize * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    icon.setDevicePixelRatio(ratio);
+    ui->labelIcon->setPixmap(icon);
 
     connect(ui->tabWidget, &QTabWidget::currentChanged, this, &TabTitle::tabIndexChanged);
 }
@@ -59,8 +60,8 @@ TabTitle::~TabTitle()
 
 bool TabTitle::inDragArea(const QPoint &pos) const
 {
-    // Not mapped to each other: the window's drag rule is made of just these rectangles, each at
-    // (0, 0), and counts on the hidden tabs too.
+    // Both rectangles are at (0, 0): the tab widget's is not mapped to the header, so the part that
+    // doesn't drag is the header's top-left corner, also while the tabs are hidden.
     return rect().contains(pos) && !ui->tabWidget->rect().contains(pos);
 }
 

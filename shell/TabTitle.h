@@ -5,7 +5,7 @@
 class Ui_TabTitle;
 
 /*!
-    The header in the window's title bar: the panel's picture and its name in white on blue, and the
+    The header in the window's title bar: the panel's icon and its name in white on blue, and the
     tabs that choose the page. The tabs have no pages of their own; whoever holds the pages follows
     tabIndexChanged().
 */

@@ -21,7 +21,7 @@ QPalette pagePalette(const QWidget &widget)
     }();
 
     QPalette palette = light;
-    // Not elsewhere: styles make the looks of a focused button of that colour.
+    // Only in text fields: styles derive the look of a focused button from this colour.
     if (qobject_cast<const QLineEdit *>(&widget)) {
         palette.setColor(QPalette::Active, QPalette::Highlight, QColor(SelectionColor));
         palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(SelectionColor));

@@ -60,7 +60,7 @@ int pixels(const QImage &image, QRgb color)
 } // namespace
 
 /*!
-    What the eye would find fault with.
+    Contrast and sharpness.
 */
 class tst_Looks : public QObject
 {
@@ -190,8 +190,8 @@ void tst_Looks::iconsAreSharp()
     panel.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(Ratio));
     QVERIFY(panel.start());
 
-    // The icon's half of the button, without the border. Of an icon that is drawn in points each
-    // block of pixels has one colour.
+    // The icon's half of the button, without the border. Of an icon that is drawn without the ratio
+    // each block of pixels has one colour.
     constexpr QRect Icon(4, 4, 48, 72);
     const QImage image = panel.grab(button);
     QCOMPARE(image.size(), QSize(160, 80) * Ratio);

@@ -19,7 +19,6 @@ public:
     StandInDaemon(const StandInDaemon &) = delete;
     StandInDaemon &operator=(const StandInDaemon &) = delete;
 
-    //! The PID.
     qint64 pid() const;
 
     //! Kills the process outright and waits for its end.

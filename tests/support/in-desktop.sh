@@ -6,14 +6,19 @@
 #   in-desktop.sh --can-hide-processes
 #
 # The command gets a fresh home, configuration, runtime and temporary folder, the locale C.UTF-8 and
-# a short list of variables; a private X server (1920x1080x24 by default; each further --screen is a
-# further Xinerama screen to the right) with a window manager (openbox by default; arguments may
-# follow the name) that is ready before it starts and whose command line it finds in PANEL_TEST_WM;
-# the server's own resolution is 96 dpi unless told otherwise;
-# with --session-bus a D-Bus session, which the window manager shares; and with --pid-namespace a
-# PID namespace in which it sees only its own children. Where such a namespace can't be had, what the
-# command leaves behind is ended all the same, but it sees the processes of the machine: of those that
-# start daemons, one at a time. The exit status is the command's; 70 where the surroundings can't be had.
+# a short list of variables. Besides:
+#
+#   --screen WxHxD     the size of the private X server, 1920x1080x24 by default; each further one is a
+#                      further Xinerama screen to the right
+#   --server-dpi DPI   the server's own resolution, 96 by default
+#   --wm MANAGER       the window manager, openbox by default; arguments may follow the name. It is
+#                      ready before the command starts, which finds this text in PANEL_TEST_WM
+#   --session-bus      a D-Bus session, which the window manager shares
+#   --pid-namespace    a PID namespace in which the command sees only its own children. Where there is
+#                      none, what the command leaves behind is ended all the same, but it sees the
+#                      machine's processes: run one such command at a time
+#
+# The exit status is the command's; 70 where the surroundings can't be had.
 #
 # The second form only tells whether there are PID namespaces, by its exit status. The variable
 # PANEL_TEST_PLAIN, if it is set to anything, makes both do without them.

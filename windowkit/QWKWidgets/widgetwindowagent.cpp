@@ -97,7 +97,8 @@ bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
     // Until the last move has been carried out the press names a point of the window as it stood
     // before. A window manager may also have refused that move: it isn't waited for long.
     m_isSettling = m_isSettling && event.timestamp() - m_requestTime < SettlingTime;
-    // Where it has come to rest the exact place counts: the rounding of many drags adds up.
+    // If the window is where it was last asked to be, the exact place counts: otherwise the
+    // rounding of many drags would add up.
     const QPointF offset = event.screenPos() - event.localPos() - m_requested;
     const bool isThere = std::abs(offset.x()) < 1 && std::abs(offset.y()) < 1;
     m_grip = m_exact && (m_isSettling || isThere) ? event.screenPos() - *m_exact : event.localPos();

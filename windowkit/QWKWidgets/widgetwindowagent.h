@@ -55,14 +55,14 @@ private:
     QPointer<QWindow> m_window;
     bool m_isSetUp = false;
     bool m_isDragging = false;
-    //! Where in the window the pointer holds it, in window coordinates.
+    //! The pointer's position in the window when the drag began, in window coordinates.
     QPointF m_grip;
     //! The place last asked for, and when the pointer asked for it (milliseconds, the server's).
     QPoint m_requested;
     ulong m_requestTime = 0;
     //! That place before it was rounded to whole pixels; none before the first drag.
     std::optional<QPointF> m_exact;
-    //! Whether it is still to be reported that the window has got there.
+    //! True until a move event reports that place.
     bool m_isSettling = false;
 };
 

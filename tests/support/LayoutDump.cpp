@@ -16,6 +16,7 @@
 #include <QTreeWidget>
 #include <QWidget>
 
+#include <initializer_list>
 #include <memory>
 
 namespace {
@@ -45,9 +46,11 @@ std::unique_ptr<QWidget> freshIf(const QWidget &widget)
 //! A new widget of the class of \a widget, or a plain one for a class that no form names.
 std::unique_ptr<QWidget> freshLike(const QWidget &widget)
 {
-    for (const auto make : {freshIf<QLabel>, freshIf<QFrame>, freshIf<QPushButton>,
-                            freshIf<QCheckBox>, freshIf<QComboBox>, freshIf<QSpinBox>,
-                            freshIf<QTreeWidget>, freshIf<QTabWidget>, freshIf<QStackedWidget>}) {
+    using Make = std::unique_ptr<QWidget> (*)(const QWidget &);
+    for (const Make make : std::initializer_list<Make> {
+                 freshIf<QLabel>, freshIf<QFrame>, freshIf<QPushButton>, freshIf<QCheckBox>,
+                 freshIf<QComboBox>, freshIf<QSpinBox>, freshIf<QTreeWidget>, freshIf<QTabWidget>,
+                 freshIf<QStackedWidget>}) {
         if (std::unique_ptr<QWidget> fresh = make(widget))
             return fresh;
     }

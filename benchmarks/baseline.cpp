@@ -3,8 +3,7 @@
 //
 //   baseline            the window
 //   baseline start-up   the same, behind the commands that the panel's start-up waits for
-//   baseline refresh    the window; for each byte on standard input runs the commands of one
-//   refresh
+//   baseline refresh    the window; for each byte on standard input runs one refresh's commands
 //                       and writes what they took, a Times, to standard output
 
 #include "app/daemon.h"

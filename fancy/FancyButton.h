@@ -28,7 +28,7 @@ struct FancyButtonPrivate;
 
     Colours take effect with the next repaint; the setters don't ask for one unless they say so. An
     invalid normal colour paints no background, an invalid hover or press colour an opaque black
-   one.
+    one.
 */
 class FancyButton : public QToolButton
 {

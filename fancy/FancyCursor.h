@@ -7,8 +7,8 @@ class QRect;
     Tells on which resize edges and corners of a window a mouse position lies.
 
     For windows that resize themselves; the panel doesn't. A plain value: ask with recalculate(),
-   then read the flags. Several can be set at once; a corner is set together with both of its edges.
-   The class changes no cursor and keeps no window.
+    then read the flags. Several can be set at once; a corner is set together with both of its
+    edges. The class changes no cursor and keeps no window.
 */
 class FancyCursor
 {

@@ -22,7 +22,7 @@ public:
     /*!
         Returns the index of the first screen whose right edge plus one pixel is not left of \a x:
         the screens are assumed to lie from left to right in their order. Returns 0 where no screen
-       matches and where there is none.
+        matches and where there is none.
     */
     int currentScreen(int x) const;
 

@@ -129,7 +129,7 @@ void layOutAtOnce(QTreeWidget *tree)
 QStringList rowFromDetail(const QString &detail)
 {
     QStringList parts = detail.split(Blank, Qt::SkipEmptyParts);
-    // Redundant after the split above, but required of this function.
+    // Redundant after the split above, which skips empty parts.
     parts.removeAll(Blank);
 
     QStringList row;

@@ -29,10 +29,10 @@ public:
     ~SettingsForm() override;
 
     /*!
-        Opens the settings file and shows its values; called once, by the constructor. A key that
-        is missing or not accepted leaves its field unchanged and stays as it is in the file; a
-        number or switch other than the default is written back, a level is not. A file that can't
-       be opened or parsed changes no field; later changes are still handed to it.
+        Opens the settings file and shows its values; called once, by the constructor. A key that is
+        missing or not accepted leaves its field unchanged and stays as it is in the file; a number
+        or switch other than the default is written back, a level is not. A file that can't be
+        opened or parsed changes no field; later changes are still handed to it.
     */
     void loadConfig();
     //! Does nothing: each change is already written.

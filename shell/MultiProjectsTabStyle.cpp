@@ -82,7 +82,7 @@ int MultiProjectsTabStyle::adjustItemSize() const
         const int text = textWidth(metrics, option.text);
         const int icon = option.icon.isNull() ? 0 : option.iconSize.width() + PartSpacing;
         const int space = pixelMetric(PM_TabBarTabHSpace, &option, _tabBar);
-        // Asked and ignored: the height is fixed.
+        // The result is not needed, as the height is fixed; base styles still see the request.
         pixelMetric(PM_TabBarTabVSpace, &option, _tabBar);
         const int tab = icon + text + space + buttonWidth(option.leftButtonSize)
                         + buttonWidth(option.rightButtonSize);

@@ -6,7 +6,7 @@
 
 /*!
     Which scale comes of a desktop's text resolution and work area. What the server is asked, and
-   what the environment holds, is tested with the whole program.
+    what the environment holds, is tested with the whole program.
 */
 class tst_TextScale : public QObject
 {

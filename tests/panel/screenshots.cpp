@@ -30,7 +30,7 @@ constexpr QRgb CloseHoverColor = qRgb(0xff, 0, 0);
 /*!
     No test: saves what the screen shows of the real program in each of its states, at device pixel
     ratios 1 and 2, into the folder that the environment names in PANEL_TEST_SCREENSHOTS. Needs a
-   screen of at least 1600 × 1200 pixels.
+    screen of at least 1600 × 1200 pixels.
 */
 class Screenshots : public QObject
 {

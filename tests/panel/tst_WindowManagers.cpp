@@ -143,7 +143,7 @@ void drag(const QPoint &from, const QPoint &by, int button = PanelProcess::LeftB
 
 /*!
     The whole program under a real window manager, whichever is there. Where nothing must happen,
-   the test does something behind it that must: when that has happened, the manager has seen all. A
+    the test does something behind it that must: when that has happened, the manager has seen all. A
     panel serves one test after the other for as long as they leave it open.
 */
 class tst_WindowManagers : public QObject

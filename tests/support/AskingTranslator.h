@@ -4,7 +4,7 @@
 
 /*!
     Answers every text with its context, itself and its disambiguation, separated by "|", to see
-   what a form or a class asks for. Install it with QCoreApplication::installTranslator().
+    what a form or a class asks for. Install it with QCoreApplication::installTranslator().
 */
 class AskingTranslator : public QTranslator
 {

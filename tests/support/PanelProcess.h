@@ -23,8 +23,8 @@ class QLocalSocket;
     The real panel, run in a folder of the test's own: a copy of the executable and, where the test
     puts one there, of the stand-in daemon beside it. Where PANEL_TEST_INSTALLED names an installed
     panel, that one is run, and its daemon goes into the folder that it is installed in. A plug-in
-   that Qt loads into the unchanged program (see Inspector) answers questions about it; the mouse
-   and the keyboard are real input through the X server.
+    that Qt loads into the unchanged program (see Inspector) answers questions about it; the mouse
+    and the keyboard are real input through the X server.
 
     A question that can't be answered (no such object, panel gone or blocked for over half a
     minute) fails the running test function and yields an invalid value.
@@ -82,22 +82,23 @@ public:
     // --- the process
 
     /*!
-        Starts the panel with \a arguments and waits until its window is on the screen. Returns
-        whether it is; the running test function has failed if not.
+        Starts the panel with \a arguments and waits half a minute at most until its window is on
+        the screen. Returns whether it is; the running test function has failed if not.
     */
     bool start(const QStringList &arguments = {});
     /*!
         Has the page of the running panel refresh itself every \a ms milliseconds, counted from now.
-        For tests of what a refresh brings, where its being due every three seconds has no part.
+        Makes tests of what a refresh shows shorter.
     */
     void setRefreshInterval(int ms);
     static constexpr int UsualRefreshMs = 3000;
     //! Short, and still long enough for what a refresh does.
     static constexpr int QuickRefreshMs = 500;
-    //! The panel's PID, while it runs.
+    //! The panel's PID; 0 when it doesn't run.
     qint64 pid() const;
     bool isRunning() const;
-    //! Waits for the panel's end; returns its exit status, or nothing when it crashed or goes on.
+    //! Waits half a minute at most for the panel's end; returns its exit status, or nothing when it
+    //! crashed or still runs.
     std::optional<int> waitForExit();
     //! What the panel, and its children with it, wrote to standard error so far.
     QStringList errorLines() const;
@@ -175,7 +176,7 @@ public:
     //! The icon at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
     QImage icon(const QString &path);
 
-    // --- real input
+    // --- real input, in pixels of the X server
 
     static void moveMouse(const QPoint &global);
     static void pressButton(int button = LeftButton);

@@ -7,7 +7,7 @@
 
 /*!
     The contrast ratio of two colours as WCAG 2.1 defines it: from 1 for the same lightness to 21
-   for black and white. 4.5 is asked of text, 3 of large text and of what else must be told apart.
+    for black and white. 4.5 is asked of text, 3 of large text and of what else must be told apart.
 */
 inline double contrast(QRgb one, QRgb other)
 {

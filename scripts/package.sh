@@ -42,13 +42,14 @@ check() {
 build() {
     local home=/home/$1
     in_root useradd --create-home "$1"
-    git -C "$project" archive --prefix="$2/" HEAD | in_root runuser -u "$1" -- tar -C "$home" -x
+    git -C "$project" archive --prefix="$2/" "$commit" | in_root runuser -u "$1" -- tar -C "$home" -x
     in_root runuser -u "$1" -- env -C "$home/$2" dpkg-buildpackage -us -uc "${@:3}"
     mkdir "$work/$1"
     find "$work/build$home" -maxdepth 1 -type f -name 'corvane-panel*' -exec cp -t "$work/$1" {} +
 }
 
 need_packages mmdebstrap git
+commit=$(git -C "$project" rev-parse HEAD)
 rm -rf "$results"
 mkdir -p "$results"
 
@@ -59,7 +60,7 @@ get update
 get install locales
 in_root localedef -i tr_TR -f UTF-8 tr_TR.UTF-8
 mkdir "$work/build/source"
-git -C "$project" archive HEAD debian | tar -C "$work/build/source" -x
+git -C "$project" archive "$commit" debian | tar -C "$work/build/source" -x
 get build-dep /source
 build first corvane-panel 2>&1 | tee "$results/build.log"
 cp "$work"/first/* "$results"

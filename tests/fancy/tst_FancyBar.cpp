@@ -1,6 +1,7 @@
 #include "tests/fancy/privates.h"
 #include "tests/support/LayoutDump.h"
 #include "tests/support/PaintCounter.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -293,7 +294,7 @@ void tst_FancyBar::quickAccessStretchesTheLeftSpacer()
     bar->resize(400, 32);
     window->resize(400, 100);
     window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+    QVERIFY(QTest::qWaitForWindowExposed(window.data(), WindowTimeoutMs));
     const QRect narrow = d.m_leftSpacerItem->geometry();
 
     d.showQuickAccessBar(true);
@@ -400,7 +401,7 @@ void tst_FancyBar::paintsNothingWhenIdle()
     const PaintCounter counter;
     window->resize(400, 200);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
     QTRY_VERIFY(counter.total() >= 6);
 
     // The window manager may cause some late paints, so any second may be the one without a paint.

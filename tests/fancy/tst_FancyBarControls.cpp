@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -58,7 +59,7 @@ void tst_FancyBarControls::showInWindow()
     window->resize(400, 200);
     window->move(60, 50);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
 }
 
 void tst_FancyBarControls::controlsGoIntoTheTitleRow()

@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QMenu>
@@ -86,7 +87,7 @@ void tst_FancyButtonEvents::init()
     button->setNormalColor(QColor(NormalRgb));
     window->move(100, 100);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
     QTest::mouseMove(window.data(), Aside);
     QTRY_VERIFY(window->underMouse());
     QTRY_VERIFY(!data().m_bMouseHover);

@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QMenu>
@@ -483,7 +484,7 @@ void tst_FancyButtonPaint::keyboardFocusIsARing()
     button->setFocusPolicy(Qt::StrongFocus);
     window->show();
     window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
     button->setFocus();
     QTRY_VERIFY(button->hasFocus());
     window->setAttribute(Qt::WA_KeyboardFocusChange, false);

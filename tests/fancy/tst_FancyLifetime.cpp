@@ -1,5 +1,6 @@
 #include "fancy/clearWhenDestroyed_p.h"
 #include "tests/fancy/privates.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -79,7 +80,7 @@ void tst_FancyLifetime::init()
     bar->addAdditionalControl(action.data(), FancyBar::MenuPosition, 0);
     connect(titleBar.data(), &FancyTitleBar::closeClicked, window.data(), &QWidget::close);
     window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window));
+    QVERIFY(QTest::qWaitForWindowExposed(window, WindowTimeoutMs));
 }
 
 void tst_FancyLifetime::cleanup()

@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/waits.h"
 
 #include <QAction>
 #include <QHBoxLayout>
@@ -76,7 +77,7 @@ void tst_FancyTitleBarWindow::create(Qt::WindowFlags flags)
     window->resize(400, 100);
     window->move(50, 60);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
 }
 
 void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags_data()

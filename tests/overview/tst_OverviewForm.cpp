@@ -4,6 +4,7 @@
 #include "tests/support/ProcessCounters.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/childProcesses.h"
+#include "tests/support/waits.h"
 #include "ui_OverviewForm.h"
 
 #include <QHeaderView>
@@ -205,7 +206,7 @@ void tst_OverviewForm::columnsShareTheWidth()
     OverviewForm page;
     page.resize(width, 600);
     page.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QVERIFY(QTest::qWaitForWindowExposed(&page, WindowTimeoutMs));
     QCOMPARE(page.width(), width);
 
     for (int round = 0; round < 2; ++round) {
@@ -227,7 +228,7 @@ void tst_OverviewForm::nodePartIsHidden()
     arrange(Situations[2]);
     OverviewForm page;
     page.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QVERIFY(QTest::qWaitForWindowExposed(&page, WindowTimeoutMs));
     refresh(page);
 
     for (const char *name : {"frameService", "lineService", "labelOWError"})

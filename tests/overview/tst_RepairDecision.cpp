@@ -1,6 +1,7 @@
 #include "overview/OverviewForm.h"
 #include "tests/overview/RunStatus.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/waits.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -79,7 +80,7 @@ void tst_RepairDecision::decides()
     shims.addPrinting(QStringLiteral("pgrep"), "");
     OverviewForm page;
     page.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page));
+    QVERIFY(QTest::qWaitForWindowExposed(&page, WindowTimeoutMs));
     // No tick may change what this test has set up.
     page.findChild<QTimer *>()->stop();
     shims.addPrinting(QStringLiteral("awk"), probeOutput, probeExitCode);

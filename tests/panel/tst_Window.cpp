@@ -1,5 +1,6 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ServerWindow.h"
+#include "tests/support/waits.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -233,7 +234,7 @@ void tst_Window::repairsWhileCovered()
     cover.setStyleSheet(QStringLiteral("background:#00ff00"));
     cover.setGeometry(QGuiApplication::primaryScreen()->geometry());
     cover.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&cover));
+    QVERIFY(QTest::qWaitForWindowExposed(&cover, WindowTimeoutMs));
 
     QTRY_VERIFY(m_panel->messageBox());
     QCOMPARE(m_panel->messageBox()->text, QStringLiteral("统一服务运行正常，无需修复。"));

@@ -4,6 +4,7 @@
 #include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
 #include "tests/support/PrivateMember.h"
+#include "tests/support/waits.h"
 #include "ui_SettingsForm.h"
 
 #include <QMetaMethod>
@@ -121,7 +122,7 @@ void tst_SettingsForm::show()
 {
     m_page->resize(PageSize);
     m_page->show();
-    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_page.get(), WindowTimeoutMs));
 }
 
 void tst_SettingsForm::slotsInOrder()

@@ -9,6 +9,7 @@
 #include "tests/support/LayoutDump.h"
 #include "tests/support/PrivateMember.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/waits.h"
 #include "ui_ServiceContainer.h"
 
 #include <QWKWidgets/widgetwindowagent.h>
@@ -97,7 +98,7 @@ void tst_ServiceContainer::cleanup()
 void tst_ServiceContainer::show()
 {
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), WindowTimeoutMs));
 }
 
 QStackedWidget *tst_ServiceContainer::stack() const
@@ -281,7 +282,7 @@ void tst_ServiceContainer::stopsWithoutATitleBar()
     // There is no header to drag the window by.
     QVERIFY(!window.inTitleBarDraggableArea(QPoint(400, 16)));
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(QTest::qWaitForWindowExposed(&window, WindowTimeoutMs));
 }
 
 QTEST_MAIN(tst_ServiceContainer)

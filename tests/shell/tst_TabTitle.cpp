@@ -2,6 +2,7 @@
 #include "shell/TabTitle.h"
 #include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
+#include "tests/support/waits.h"
 #include "ui_TabTitle.h"
 
 #include <QBoxLayout>
@@ -39,7 +40,7 @@ struct Header
     void present()
     {
         title.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&title));
+        QVERIFY(QTest::qWaitForWindowExposed(&title, WindowTimeoutMs));
     }
     //! By its property: QLabel's own calls for it differ between Qt 5.14 and 5.15.
     QPixmap iconPixmap() const { return labelIcon->property("pixmap").value<QPixmap>(); }

@@ -1,4 +1,5 @@
 #include "tests/windowkit/AgentWindow.h"
+#include "tests/support/waits.h"
 
 #include <QWKCore/windowagentbase.h>
 
@@ -154,7 +155,7 @@ void settle(const Window &window)
 void Window::present()
 {
     show();
-    QVERIFY(QTest::qWaitForWindowExposed(this));
+    QVERIFY(QTest::qWaitForWindowExposed(this, WindowTimeoutMs));
     waitFor([this] { return placeOnServer(*this) == pos(); });
     QCOMPARE(placeOnServer(*this), pos());
     settle(*this);

@@ -1,3 +1,4 @@
+#include "tests/support/waits.h"
 #include "tests/windowkit/AgentWindow.h"
 
 #include <QWKWidgets/widgetwindowagent.h>
@@ -73,12 +74,12 @@ void tst_WidgetWindowAgent::keepsTheWindowFrameless()
     QVERIFY(window.windowFlags().testFlag(Qt::FramelessWindowHint));
 
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(QTest::qWaitForWindowExposed(&window, WindowTimeoutMs));
     QVERIFY(window.windowHandle()->flags().testFlag(Qt::FramelessWindowHint));
 
     window.setWindowFlags(Qt::Window | Qt::WindowStaysOnTopHint);
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(QTest::qWaitForWindowExposed(&window, WindowTimeoutMs));
     const Qt::WindowFlags expected =
             Qt::Window | Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint;
     QCOMPARE(window.windowFlags() & expected, expected);
@@ -89,7 +90,7 @@ void tst_WidgetWindowAgent::keepsAVisibleWindowAsItIs()
 {
     QWidget window;
     window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(QTest::qWaitForWindowExposed(&window, WindowTimeoutMs));
     const WId id = window.winId();
 
     QWK::WidgetWindowAgent agent;
@@ -310,7 +311,7 @@ void tst_WidgetWindowAgent::letsAPressCloseAPopup()
     QMenu menu;
     menu.addAction(QStringLiteral("action"));
     menu.popup(WindowPosition + PagePoint);
-    QVERIFY(QTest::qWaitForWindowExposed(&menu));
+    QVERIFY(QTest::qWaitForWindowExposed(&menu, WindowTimeoutMs));
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1));
     QTRY_VERIFY(!menu.isVisible());
     settle(window);

@@ -24,7 +24,7 @@ test_packages=(
 check_packages=(clang clang-format clang-tidy clazy git pre-commit shellcheck)
 
 # To measure it.
-bench_packages=(hyperfine libx11-dev)
+bench_packages=(dbus hyperfine libx11-dev)
 
 # The programs that these packages bring, to look for where there is no apt-get.
 declare -A tools_of=(

@@ -30,7 +30,7 @@ bench_packages=(dbus hyperfine libx11-dev)
 declare -A tools_of=(
     [cmake]=cmake [g++]=c++ [ninja-build]=ninja [pkg-config]=pkg-config [git]=git
     [procps]='pgrep ps' [xdg-utils]=xdg-open [tini]=tini
-    [xvfb]=Xvfb [openbox]=openbox [xdotool]=xdotool [x11-utils]=xprop [imagemagick]='convert import'
+    [xvfb]=Xvfb [openbox]=openbox [xdotool]=xdotool [x11-utils]='xprop xev' [imagemagick]='convert import'
     [metacity]=metacity [xfwm4]=xfwm4 [wmctrl]=wmctrl [x11-xserver-utils]=xrandr
     [xserver-xephyr]=Xephyr [dbus]=dbus-daemon
 )

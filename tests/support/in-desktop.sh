@@ -168,6 +168,17 @@ if [ "$wm" != none ]; then
     started=("$manager" "${started[@]}")
     wait_until "$manager" "the window manager $wm" \
         env -i "${environment[@]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
+
+    # Openbox leaves a window that comes while it starts unmapped until the next event. So one window is
+    # shown and taken away first, with events until it is there.
+    env -i "${environment[@]}" setpriv --pdeathsig TERM xev -name probe >/dev/null 2>&1 &
+    probe=$!
+    wait_until "$probe" "a window under $wm" env -i "${environment[@]}" sh -c '
+        xprop -root -f PROBE 32c -set PROBE 1 && xprop -name probe WM_STATE | grep -q Normal'
+    kill "$probe"
+    wait "$probe" 2>/dev/null || :
+    wait_until "$manager" "an empty screen under $wm" env -i "${environment[@]}" sh -c '
+        xprop -root -remove PROBE && ! xprop -root _NET_CLIENT_LIST | grep -q 0x'
 fi
 
 launcher=(env -i "${environment[@]}")

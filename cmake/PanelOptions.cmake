@@ -28,6 +28,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 
 include(CheckPIESupported)
 check_pie_supported()
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 add_library(panel_options INTERFACE)
 target_compile_features(panel_options INTERFACE cxx_std_17)
@@ -37,9 +38,7 @@ target_compile_definitions(panel_options INTERFACE
     QT_NO_URL_CAST_FROM_STRING)
 target_compile_options(panel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-    $<$<BOOL:${PANEL_WARNINGS_AS_ERRORS}>:-Werror>
-    # Debian's Qt is built with -reduce-relocations, for which -fPIE is not enough.
-    -fPIC)
+    $<$<BOOL:${PANEL_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(PANEL_HARDENING)
     target_compile_options(panel_options INTERFACE -fstack-protector-strong)
@@ -49,7 +48,7 @@ if(PANEL_HARDENING)
             $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
             $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
     endif()
-    target_link_options(panel_options INTERFACE -pie LINKER:-z,relro LINKER:-z,now)
+    target_link_options(panel_options INTERFACE LINKER:-z,relro LINKER:-z,now)
 endif()
 
 if(PANEL_SANITIZE)

@@ -174,6 +174,10 @@ void tst_Desktops::init()
 
 void tst_Desktops::cleanup()
 {
+    if (m_panel->isRunning()) {
+        m_panel->invoke(Window, "close");
+        QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+    }
     m_panel.reset();
     setTextDpi({});
 }

@@ -11,7 +11,6 @@ const auto Window = QStringLiteral("ServiceContainer");
 const auto HallButton = QStringLiteral("kqfwdt");
 const auto RepairButton = QStringLiteral("xfkqfw");
 
-constexpr QRgb TitleBlue = qRgb(0x2b, 0x57, 0x9a);
 //! The close button, as the list names it, has no object name: its place is this from the window's
 //! corner.
 const auto Close = QStringLiteral("close");
@@ -70,7 +69,6 @@ private slots:
     void contrastsAreAsListed();
     void listedColorsAreShown_data();
     void listedColorsAreShown();
-    void stripBesideTheIconIsPlain();
     void stripIconIsSharp_data();
     void stripIconIsSharp();
     void iconsAreSharp_data();
@@ -141,15 +139,6 @@ void tst_Looks::listedColorsAreShown()
         ++found;
     }
     QVERIFY(found > 0);
-}
-
-void tst_Looks::stripBesideTheIconIsPlain()
-{
-    PanelProcess panel;
-    QVERIFY(panel.start());
-    const QImage strip = panel.grab(QStringLiteral("labelSpace"));
-    QCOMPARE(strip.size(), QSize(2, 32));
-    QCOMPARE(pixels(strip, TitleBlue), 2 * 32);
 }
 
 void tst_Looks::stripIconIsSharp_data()

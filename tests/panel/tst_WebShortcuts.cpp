@@ -48,6 +48,8 @@ void tst_WebShortcuts::clicksOpenThePages()
         QCOMPARE(shims.calls(Opener).constLast(), QStringList(address));
     }
     QTRY_COMPARE(panel.application(QStringLiteral("children")).toList(), QVariantList());
+    panel.invoke(QStringLiteral("ServiceContainer"), "close");
+    QCOMPARE(panel.waitForExit(), std::optional<int>(0));
 }
 
 void tst_WebShortcuts::missingOpenerDoesNothing()

@@ -54,7 +54,6 @@ private slots:
     void unwritableConfigurationFolder();
     void unusablePlaces_data();
     void unusablePlaces();
-    void diskFull_data();
     void diskFull();
     void abandonedLockIsRemoved();
     void lockOfAnotherIsLeftAlone();
@@ -168,24 +167,15 @@ void tst_SettingsFaults::unusablePlaces()
         QVERIFY(QFileInfo(m_home->file()).isDir());
 }
 
-void tst_SettingsFaults::diskFull_data()
-{
-    QTest::addColumn<uint>("bytes");
-
-    QTest::newRow("not even for the lock") << 0U;
-    QTest::newRow("but for the lock") << uint(LockBytes);
-}
-
 void tst_SettingsFaults::diskFull()
 {
-    QFETCH(const uint, bytes);
     const QByteArray others = "\n[zz]\nother=" + QByteArray(2 * int(LockBytes), 'x') + '\n';
     m_home->write("[msg]\nuploadInterval=3\n" + others);
     const SettingsForm page;
     {
         // Writing fails then as on a full disk.
         const auto handler = signal(SIGXFSZ, SIG_IGN);
-        const ResourceLimit disk(RLIMIT_FSIZE, bytes);
+        const ResourceLimit disk(RLIMIT_FSIZE, LockBytes);
         change(page);
         signal(SIGXFSZ, handler);
     }

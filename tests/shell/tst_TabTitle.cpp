@@ -307,7 +307,8 @@ void tst_TabTitle::paintsTheBlueField()
     QCOMPARE(field.pixelColor(name.width() - 1, 0), BlueField);
     QCOMPARE(field.pixelColor(0, 31), BlueField);
     const auto *pixels = reinterpret_cast<const QRgb *>(field.constBits());
-    QVERIFY(std::count(pixels, pixels + field.width() * field.height(), qRgb(255, 255, 255)) > 0);
+    const qsizetype count = qsizetype(field.width()) * field.height();
+    QVERIFY(std::count(pixels, pixels + count, qRgb(255, 255, 255)) > 0);
     QVERIFY(image.pixelColor(name.right() + 1, 16) != BlueField);
 }
 

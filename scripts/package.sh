@@ -79,7 +79,8 @@ check extract sh -c 'dpkg-deb --extract /package/corvane-panel_*.deb /extracted'
 check lintian sh -c 'lintian --allow-root --no-cfg --pedantic --display-info \
     --suppress-tags newer-standards-version,unused-override \
     --fail-on error,warning,info,pedantic /package/*.changes'
-check blhc blhc --all --debian /package/build.log
+# CMake 3.18 has the compiler list its macros, which compiles nothing.
+check blhc blhc --all --debian --ignore-line '.* -dM -E .*' /package/build.log
 check desktop-file-validate sh -c 'desktop-file-validate /extracted/usr/share/applications/*.desktop'
 check appstreamcli sh -c 'appstreamcli validate --no-net /extracted/usr/share/metainfo/*.xml'
 

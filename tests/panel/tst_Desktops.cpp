@@ -174,12 +174,14 @@ void tst_Desktops::init()
 
 void tst_Desktops::cleanup()
 {
+    std::optional<int> status = 0;
     if (m_panel->isRunning()) {
         m_panel->invoke(Window, "close");
-        QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+        status = m_panel->waitForExit();
     }
     m_panel.reset();
     setTextDpi({});
+    QCOMPARE(status, std::optional<int>(0));
 }
 
 //! Sets the X resource Xft.dpi, or removes it.

@@ -26,10 +26,6 @@ set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
-include(CheckPIESupported)
-check_pie_supported()
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-
 add_library(panel_options INTERFACE)
 target_compile_features(panel_options INTERFACE cxx_std_17)
 target_compile_definitions(panel_options INTERFACE
@@ -48,7 +44,9 @@ if(PANEL_HARDENING)
             $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
             $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
     endif()
-    target_link_options(panel_options INTERFACE LINKER:-z,relro LINKER:-z,now)
+    # CMake's own way links with -fPIE, and link-time optimisation would take that in place of the
+    # -fPIC that Qt's targets bring: the panel would crash when it starts.
+    target_link_options(panel_options INTERFACE -pie LINKER:-z,relro LINKER:-z,now)
 endif()
 
 if(PANEL_SANITIZE)

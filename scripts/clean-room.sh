@@ -28,7 +28,9 @@ root=$work/root
 logs=$project/build/clean-room
 mkdir -p "$logs"
 clean_up() {
-    kill -KILL "${running:-}" 2>/dev/null && wait "$running" 2>/dev/null
+    if kill -KILL "${running:-}" 2>/dev/null; then
+        wait "$running" 2>/dev/null || :
+    fi
     rm -rf --one-file-system "$work"
 }
 trap clean_up EXIT

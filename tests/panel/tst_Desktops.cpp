@@ -184,11 +184,12 @@ void tst_Desktops::cleanup()
     QCOMPARE(status, std::optional<int>(0));
 }
 
-//! Sets the X resource Xft.dpi, or removes it.
+//! Sets the X resource Xft.dpi, or removes it, behind one of another program.
 void tst_Desktops::setTextDpi(const QByteArray &dpi)
 {
     QProcess xrdb;
     xrdb.start(QStringLiteral("xrdb"), {QStringLiteral("-load"), QStringLiteral("-nocpp")});
+    xrdb.write("other.Xft.dpi:\t288\n");
     xrdb.write(dpi.isEmpty() ? QByteArray("\n") : "Xft.dpi:\t" + dpi + '\n');
     xrdb.closeWriteChannel();
     QVERIFY(xrdb.waitForFinished());

@@ -28,7 +28,6 @@ void tst_TextScale::forWindow_data()
     QTest::newRow("96") << 96.0 << large << 1.0;
     QTest::newRow("below the limit") << 109.9 << large << 1.0;
     QTest::newRow("at the limit") << 110.0 << large << 110.0 / 96;
-    QTest::newRow("120") << 120.0 << large << 1.25;
     QTest::newRow("288") << 288.0 << large << 3.0;
     QTest::newRow("negative") << -192.0 << large << 1.0;
     QTest::newRow("not a number") << std::numeric_limits<qreal>::quiet_NaN() << large << 1.0;

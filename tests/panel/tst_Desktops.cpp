@@ -458,8 +458,9 @@ void tst_Desktops::goesByWhatQtWasTold_data()
     QTest::newRow("factor") << "QT_SCALE_FACTOR=1" << QSize(800, 600);
     QTest::newRow("screens") << "QT_SCREEN_SCALE_FACTORS=1.5" << QSize(1200, 900);
     QTest::newRow("off") << "QT_AUTO_SCREEN_SCALE_FACTOR=0" << QSize(800, 600);
-    QTest::newRow("on") << "QT_ENABLE_HIGHDPI_SCALING=1" << QSize(1600, 1200);
+    QTest::newRow("disabled") << "QT_ENABLE_HIGHDPI_SCALING=0" << QSize(800, 600);
     QTest::newRow("nothing") << "QT_SCALE_FACTOR=" << QSize(1600, 1200);
+    QTest::newRow("fonts") << "QT_FONT_DPI=96" << QSize(1600, 1200);
 }
 
 void tst_Desktops::goesByWhatQtWasTold()

@@ -419,7 +419,6 @@ void tst_Desktops::isScaledAndWhole_data()
     QTest::addColumn<QByteArray>("dpi");
     QTest::addColumn<QByteArray>("factor");
     QTest::addColumn<QSize>("size");
-
     const QByteArray none;
     QTest::newRow("no wish") << none << none << QSize(800, 600);
     QTest::newRow("96") << QByteArray("96") << none << QSize(800, 600);
@@ -428,8 +427,9 @@ void tst_Desktops::isScaledAndWhole_data()
     QTest::newRow("144") << QByteArray("144") << none << QSize(1200, 900);
     QTest::newRow("192") << QByteArray("192") << none << QSize(1600, 1200);
     QTest::newRow("288") << QByteArray("288") << none << QSize(2400, 1800);
-    for (const QByteArray factor : {"1.25", "1.5", "1.75", "3"})
-        QTest::newRow("factor " + factor) << none << factor << WindowSize * factor.toDouble();
+    for (const double scale : {1.25, 1.5, 1.75, 3.0})
+        QTest::addRow("factor %g", scale)
+                << none << QByteArray::number(scale) << WindowSize * scale;
 }
 
 void tst_Desktops::isScaledAndWhole()

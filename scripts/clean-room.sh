@@ -28,9 +28,7 @@ root=$work/root
 logs=$project/build/clean-room
 mkdir -p "$logs"
 clean_up() {
-    if kill -KILL "${running:-}" 2>/dev/null; then
-        wait "$running" 2>/dev/null || :
-    fi
+    kill -KILL "${running:-}" 2>/dev/null && { wait "$running" 2>/dev/null || :; }
     rm -rf --one-file-system "$work"
 }
 trap clean_up EXIT
@@ -60,6 +58,7 @@ try() {
         failed+=("$name")
         tail -n 40 "$logs/$name.log"
     fi
+    running=
     say "$name: $result in $((SECONDS - start)) s"
 }
 

@@ -18,3 +18,19 @@ function(panel_check_host variable)
             "-D${variable}=www.maker.example: no scheme, slash, port or blank.")
     endif()
 endfunction()
+
+# panel_add_web_host(<variable> DEFAULT <host> HELP <text>)
+#
+# Declares the cache variable <variable> for the host of a web page and checks it. Whoever links
+# panel_web_hosts has its value as the definition <variable>; the global property PANEL_WEB_HOSTS lists
+# the variables.
+function(panel_add_web_host variable)
+    cmake_parse_arguments(PARSE_ARGV 1 HOST "" "DEFAULT;HELP" "")
+    set(${variable} "${HOST_DEFAULT}" CACHE STRING "${HOST_HELP}")
+    panel_check_host(${variable})
+    if(NOT TARGET panel_web_hosts)
+        add_library(panel_web_hosts INTERFACE)
+    endif()
+    target_compile_definitions(panel_web_hosts INTERFACE "${variable}=\"${${variable}}\"")
+    set_property(GLOBAL APPEND PROPERTY PANEL_WEB_HOSTS ${variable})
+endfunction()

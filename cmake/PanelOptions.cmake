@@ -13,10 +13,6 @@ option(PANEL_BENCHMARKS "Build the benchmarks (top level only)" OFF)
 option(PANEL_COVERAGE "Instrument for gcov" OFF)
 set(PANEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 
-set(PANEL_SERVICE_HALL_HOST "hall.shuochuan.example" CACHE STRING
-    "Host of the service-hall page (a host name, nothing else)")
-set(PANEL_KNOWLEDGE_BASE_HOST "wiki.shuochuan.example" CACHE STRING
-    "Host of the knowledge-base page (a host name, nothing else)")
 set(PANEL_WINDOW_AGENT "bundled" CACHE STRING
     "Frameless-window agent: bundled (windowkit/) or system (an installed QWindowKit)")
 set_property(CACHE PANEL_WINDOW_AGENT PROPERTY STRINGS bundled system)

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # What the configure step takes for a host of the web pages, and what it refuses:
 #
-#   check-hosts.sh CMAKE SOURCE_FOLDER
+#   check-hosts.sh CMAKE SOURCE_FOLDER VARIABLE...
 set -euo pipefail
 cmake=$1
 source=$2
+shift 2
 failures=0
 
 complain() {
@@ -39,8 +40,9 @@ for host in '' ' ' 'a b' ' a' 'https://a.example' '//a' 'a/' 'a/b' 'a:80' 'a?b' 
     fi
 done
 
-# Both variables are looked at by the tree itself.
-for variable in PANEL_SERVICE_HALL_HOST PANEL_KNOWLEDGE_BASE_HOST; do
+# Each variable is looked at by the tree itself.
+[ $# -gt 0 ] || complain "no variable is declared"
+for variable in "$@"; do
     if "$cmake" -S "$source" -B tree "-D$variable=a/b" -DBUILD_TESTING=OFF >output 2>&1; then
         complain "the tree configures with $variable=a/b"
     elif ! grep -q "$variable is \"a/b\"" output; then

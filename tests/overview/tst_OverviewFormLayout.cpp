@@ -4,83 +4,6 @@
 
 #include <QTest>
 
-namespace {
-
-constexpr auto TitleSheet = "font-size:14px;\nfont-weight:bold;";
-constexpr auto NoServiceSheet = "color:rgb(117, 80, 123); \nfont:bold 12px; \n"
-                                "border: 1px solid gray;\nborder-top-width:0px;";
-constexpr auto NoTagSheet = "color:rgb(117, 80, 123);\nfont:bold 12px;\n"
-                            "border: 1px solid gray;\nborder-top-width:0px;";
-constexpr auto ButtonSheet = "QPushButton{ \nborder: 1px solid #0078D4; \nfont-size: 14px;\n}\n"
-                             "QPushButton:hover{\nbackground-color:#E5F3FF;\n}\n"
-                             "QPushButton:pressed{\nbackground-color:#CCE8FF;\n}";
-constexpr auto ProcessTableSheet =
-        "QHeaderView::section {\nfont: 12px;\ncolor: white;\nheight: 36px;\n"
-        "border: 1px solid white;\nbackground-color: #0078D4;\n}\n"
-        "QTreeWidget {\noutline: 0px;\nselection-background-color: transparent;\n}\n\n"
-        "QTreeWidget::item {\nmargin-top: 1px;\nmargin-bottom: 1px;\nmargin-left: 1px;\n"
-        "margin-right: 1px;\nborder: none;\nbackground: #E7ECF7;\ncolor: black;\nheight: 40px;\n"
-        "padding: 0px;\nfont-size: 12px;\n}\n\n"
-        "QTreeView::branch:has-children:!has-siblings:closed,\n"
-        "QTreeView::branch:closed:has-children:has-siblings{border-image: none; image: none;}\n"
-        "QTreeView::branch:open:has-children:!has-siblings,\n"
-        "QTreeView::branch:open:has-children:has-siblings{border-image: none; image: none;}";
-constexpr auto NodeTableSheet =
-        "QHeaderView::section {\nfont: 12px;\ncolor: white;\nheight: 36px;\n"
-        "border: 1px solid white;\nbackground-color: #0078D4;\n}\n"
-        "QTreeWidget {\noutline: 0px;\nselection-background-color: transparent;\n}\n\n"
-        "QTreeWidget::item {\nmargin-top: 1px;\nmargin-bottom: 1px;\nmargin-left: 1px;\n"
-        "margin-right:1px;\nbackground: #E7ECF7;\nborder: none;\nheight: 40px;\n"
-        "padding: 0px;\nfont-size: 12px;\n}";
-
-constexpr auto NoticeSize = "minimumSize=0×40 maximumSize=max×40";
-constexpr auto ButtonSize = "minimumSize=160×80 maximumSize=160×80";
-
-// The arguments are, in this order, the texts above.
-constexpr auto ExpectedForm = R"(800×916
-QWidget OverviewForm windowTitle=Form styleSheet=font:12px;
-QVBoxLayout verticalLayout_6
-  QHBoxLayout horizontalLayout spacing 0
-    QLabel labelOW styleSheet=%1 text=运行概况
-    QLabel labelOWError styleSheet=color:red; text=(未运行)
-    spacer 40×20 Expanding Minimum
-  QVBoxLayout verticalLayout spacing 0
-    QTreeWidget treeWidgetOW minimumSize=0×76 maximumSize=max×76 styleSheet=%5
-    QLabel labelNoService %7 styleSheet=%2 text=统一服务未启动 alignment=AlignCenter
-  QFrame line sizePolicy=Minimum,Fixed frameShape=HLine frameShadow=Sunken
-  QFrame frameService frameShape=StyledPanel frameShadow=Raised
-    QVBoxLayout verticalLayout_3 margins 0,0,0,0
-      QHBoxLayout horizontalLayout_2 spacing 0
-        QLabel labelTag styleSheet=%1 text=服务节点
-        QLabel labelTagError styleSheet=color:red; text=(未注册)
-        spacer 40×20 Expanding Minimum
-      QVBoxLayout verticalLayout_2 spacing 0
-        QTreeWidget treeWidgetTag styleSheet=%6
-        QLabel labelNoTag %7 styleSheet=%3 text=无服务节点 alignment=AlignCenter
-  QFrame lineService sizePolicy=Minimum,Fixed frameShape=HLine frameShadow=Sunken
-  QFrame frameWebsite styleSheet=border:none; frameShape=StyledPanel frameShadow=Raised
-    QVBoxLayout verticalLayout_4 margins 0,0,0,0
-      QHBoxLayout horizontalLayout_3
-        QLabel label styleSheet=%1 text=常用网站
-        spacer 40×20 Expanding Minimum
-      QHBoxLayout horizontalLayout_4 spacing 20
-        QPushButton kqfwdt %8 styleSheet=%4 text= 朔川服务大厅 iconSize=32×32
-        QPushButton kqzsk %8 styleSheet=%4 text= 朔川知识库 iconSize=32×32
-        spacer 40×20 Expanding Minimum
-  QFrame line_3 sizePolicy=Minimum,Fixed frameShape=HLine frameShadow=Sunken
-  QFrame frameRepair styleSheet=border:none; frameShape=StyledPanel frameShadow=Raised
-    QVBoxLayout verticalLayout_5 margins 0,0,0,0
-      QHBoxLayout horizontalLayout_5
-        QLabel label_2 styleSheet=%1 text=软件修复
-        spacer 40×20 Expanding Minimum
-      QHBoxLayout horizontalLayout_6 spacing 20
-        QPushButton xfkqfw %8 styleSheet=%4 text= 修复朔川服务 iconSize=32×32
-        spacer 40×20 Expanding Minimum
-  spacer 20×40 Minimum Expanding
-)";
-
-} // namespace
-
 class tst_OverviewFormLayout : public QObject
 {
     Q_OBJECT
@@ -114,11 +37,7 @@ void tst_OverviewFormLayout::cleanup()
 
 void tst_OverviewFormLayout::form()
 {
-    const QString expected =
-            QString::fromUtf8(ExpectedForm)
-                    .arg(TitleSheet, NoServiceSheet, NoTagSheet, ButtonSheet, ProcessTableSheet,
-                         NodeTableSheet, NoticeSize, ButtonSize);
-    QCOMPARE(dumpForm(*m_form).split(QLatin1Char('\n')), expected.split(QLatin1Char('\n')));
+    QVERIFY(matchesDump(*m_form, QStringLiteral("overview/OverviewForm.txt")));
     for (const QTreeWidget *tree : {m_ui.treeWidgetOW, m_ui.treeWidgetTag}) {
         QCOMPARE(tree->headerItem()->text(0), QStringLiteral("1"));
         QCOMPARE(tree->topLevelItemCount(), 0);

@@ -4,10 +4,13 @@
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDebug>
+#include <QFile>
 #include <QIcon>
 #include <QLabel>
 #include <QMetaEnum>
 #include <QMetaProperty>
+#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -57,7 +60,19 @@ std::unique_ptr<QWidget> freshLike(const QWidget &widget)
     return std::make_unique<QWidget>();
 }
 
-QString valueText(const QMetaProperty &property, const QVariant &value)
+//! \a text in quotes, each of its lines on one of its own, so that blanks at their ends show.
+QString quoted(QString text, const QString &indent)
+{
+    text.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+    text.replace(QLatin1Char('"'), QStringLiteral("\\\""));
+    text.replace(QLatin1Char('\t'), QStringLiteral("\\t"));
+    const QString lineBreak = QLatin1Char('\n') + indent + QLatin1Char('"');
+    const bool isOneLine = !text.contains(QLatin1Char('\n'));
+    text.replace(QLatin1Char('\n'), QStringLiteral("\\n\"") + lineBreak);
+    return (isOneLine ? QStringLiteral("\"") : lineBreak) + text + QLatin1Char('"');
+}
+
+QString valueText(const QMetaProperty &property, const QVariant &value, const QString &indent)
 {
     if (property.isEnumType())
         return QString::fromLatin1(property.enumerator().valueToKeys(value.toInt()));
@@ -68,6 +83,8 @@ QString valueText(const QMetaProperty &property, const QVariant &value)
                + policyName(policy.verticalPolicy())
                + (stretch.isNull() ? QString() : QLatin1Char(',') + sizeText(stretch));
     }
+    if (value.type() == QVariant::String)
+        return quoted(value.toString(), indent);
     return value.type() == QVariant::Size ? sizeText(value.toSize()) : value.toString();
 }
 
@@ -80,25 +97,33 @@ QString nameText(const QObject &object)
            + object.objectName();
 }
 
-QString describe(const QWidget &widget)
+QString indentation(int depth)
 {
-    static const QList<QByteArray> skipped = {
-            "objectName", "geometry", "icon",           "windowIcon",
-            "font",       "palette",  "accessibleName", "accessibleDescription"};
+    return {2 * depth, QLatin1Char(' ')};
+}
+
+QString describe(const QWidget &widget, int depth)
+{
+    static const QList<QByteArray> skipped = {"objectName", "geometry", "icon",
+                                              "windowIcon", "font",     "palette"};
+    // Beyond the items inside the widget.
+    const QString indent = indentation(depth + 3);
     QString text = nameText(widget);
+    QString linesOfText;
     const std::unique_ptr<QWidget> fresh = freshLike(widget);
     const QMetaObject *meta = fresh->metaObject();
     for (int i = 0; i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
         if (!property.isWritable() || !property.isStored() || skipped.contains(property.name()))
             continue;
-        const QString value = valueText(property, property.read(&widget));
-        if (value != valueText(property, property.read(fresh.get())))
-            text += QStringLiteral(" %1=%2").arg(QString::fromLatin1(property.name()), value);
+        const QString value = valueText(property, property.read(&widget), indent);
+        if (value != valueText(property, property.read(fresh.get()), indent))
+            (value.contains(QLatin1Char('\n')) ? linesOfText : text) +=
+                    QStringLiteral(" %1=%2").arg(QString::fromLatin1(property.name()), value);
     }
     if (!widget.isWindow() && widget.isHidden())
         text += QStringLiteral(" hidden");
-    return text;
+    return text + linesOfText;
 }
 
 QString describe(const QLayout &layout)
@@ -144,7 +169,7 @@ void dump(const QWidget &widget, Detail detail, int depth, QString &out)
 
 void dump(const QLayout &layout, Detail detail, int depth, QString &out)
 {
-    out += QString(2 * depth, QLatin1Char(' ')) + describe(layout) + QLatin1Char('\n');
+    out += indentation(depth) + describe(layout) + QLatin1Char('\n');
 
     const auto *box = qobject_cast<const QBoxLayout *>(&layout);
     for (int i = 0; i < layout.count(); ++i) {
@@ -156,7 +181,7 @@ void dump(const QLayout &layout, Detail detail, int depth, QString &out)
 
         QString text;
         if (const QWidget *child = item->widget()) {
-            text = detail == Detail::Form ? describe(*child) : nameText(*child);
+            text = detail == Detail::Form ? describe(*child, depth + 1) : nameText(*child);
         } else if (const QSpacerItem *spacer = item->spacerItem()) {
             text = QStringLiteral("spacer %1 %2 %3")
                            .arg(sizeText(spacer->sizeHint()),
@@ -167,20 +192,48 @@ void dump(const QLayout &layout, Detail detail, int depth, QString &out)
             text += QStringLiteral(" stretch %1").arg(box->stretch(i));
         if (item->alignment())
             text += QStringLiteral(" alignment %1").arg(int(item->alignment()));
-        out += QString(2 * (depth + 1), QLatin1Char(' ')) + text + QLatin1Char('\n');
+        out += indentation(depth + 1) + text + QLatin1Char('\n');
 
         if (const QWidget *child = item->widget())
             dump(*child, detail, depth + 2, out);
     }
 }
 
-} // namespace
-
 QString dumpForm(const QWidget &form)
 {
-    QString out = sizeText(form.size()) + QLatin1Char('\n') + describe(form) + QLatin1Char('\n');
+    QString out = sizeText(form.size()) + QLatin1Char('\n') + describe(form, 0) + QLatin1Char('\n');
     dump(form, Detail::Form, 0, out);
     return out;
+}
+
+} // namespace
+
+bool matchesDump(const QWidget &form, const QString &file)
+{
+    const QByteArray actual = dumpForm(form).toUtf8();
+    const QString path = QStringLiteral(PANEL_TEST_FOLDER) + QLatin1Char('/') + file;
+
+    QProcess diff;
+    diff.start(QStringLiteral("diff"),
+               {QStringLiteral("--unified"), QStringLiteral("--new-file"),
+                QStringLiteral("--label=expected ") + file, QStringLiteral("--label=actual"), path,
+                QStringLiteral("-")});
+    diff.write(actual);
+    diff.closeWriteChannel();
+    if (!diff.waitForFinished() || diff.exitStatus() != QProcess::NormalExit)
+        qFatal("diff: %s", qPrintable(diff.errorString()));
+    if (diff.exitCode() == 0)
+        return true;
+
+    const QByteArray difference = diff.readAllStandardOutput() + diff.readAllStandardError();
+    qWarning().noquote() << QString::fromUtf8(difference);
+    if (qEnvironmentVariableIsSet("PANEL_TEST_WRITE_DUMPS")) {
+        QFile dumped(path);
+        if (!dumped.open(QIODevice::WriteOnly) || dumped.write(actual) != actual.size())
+            qFatal("%s: %s", qPrintable(path), qPrintable(dumped.errorString()));
+        qWarning("Written anew: %s", qPrintable(path));
+    }
+    return false;
 }
 
 QString dumpLayout(const QWidget &widget)

@@ -10,10 +10,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include <xcb/xcb.h>
-#ifdef PANEL_HAS_RANDR
 #include <xcb/randr.h>
-#endif
+#include <xcb/xcb.h>
 
 namespace {
 
@@ -72,7 +70,6 @@ qreal textDpi(const QByteArray &resources)
 //! The rectangle of the primary monitor, or of the first; null where the server doesn't tell.
 QRect primaryMonitor(xcb_connection_t *server, xcb_window_t root)
 {
-#ifdef PANEL_HAS_RANDR
     // Without the extension a request of it would end the connection.
     const xcb_query_extension_reply_t *extension = xcb_get_extension_data(server, &xcb_randr_id);
     if (!extension || !extension->present)
@@ -94,11 +91,6 @@ QRect primaryMonitor(xcb_connection_t *server, xcb_window_t root)
             result = QRect(it.data->x, it.data->y, it.data->width, it.data->height);
     }
     return result;
-#else
-    Q_UNUSED(server)
-    Q_UNUSED(root)
-    return {};
-#endif
 }
 
 //! What the window manager leaves to windows, all monitors together; null where it doesn't tell.

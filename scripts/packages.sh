@@ -2,7 +2,7 @@
 # sourced. bash, grep and an awk are essential on Debian and not listed.
 # shellcheck shell=bash disable=SC2034
 
-build_packages=(cmake g++ libxcb-randr0-dev ninja-build qtbase5-dev)
+build_packages=(cmake g++ libxcb-randr0-dev libxcb1-dev ninja-build qtbase5-dev)
 
 # To run it: the SVG plug-in (the ICO plug-in and the X11 platform come with Qt itself), the process
 # tools, the desktop's opener, and a font with Chinese glyphs.

@@ -32,13 +32,34 @@ target_compile_options(panel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${PANEL_WARNINGS_AS_ERRORS}>:-Werror>)
 
+# Sets <result> to whether the compiler or its flags bring _FORTIFY_SOURCE 2 or more, as those of many
+# distributions do.
+function(panel_fortify_level_is_set result)
+    set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+    set(CMAKE_TRY_COMPILE_CONFIGURATION "${CMAKE_BUILD_TYPE}")
+    set(CMAKE_REQUIRED_FLAGS -O2)
+    set(CMAKE_REQUIRED_QUIET ON)
+    # Asked anew each time: the flags may have changed since.
+    unset(PANEL_FORTIFY_LEVEL_IS_SET CACHE)
+    include(CheckCXXSourceCompiles)
+    check_cxx_source_compiles("
+        #if !defined(_FORTIFY_SOURCE) || _FORTIFY_SOURCE < 2
+        #error none
+        #endif
+        " PANEL_FORTIFY_LEVEL_IS_SET)
+    set(${result} "${PANEL_FORTIFY_LEVEL_IS_SET}" PARENT_SCOPE)
+endfunction()
+
 if(PANEL_HARDENING)
     target_compile_options(panel_options INTERFACE -fstack-protector-strong)
     if(NOT PANEL_SANITIZE)
         # Needs optimisation, and hides from the sanitizers what they look for.
-        target_compile_options(panel_options INTERFACE
-            $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
-            $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+        panel_fortify_level_is_set(set)
+        if(NOT set)
+            target_compile_options(panel_options INTERFACE
+                $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>
+                $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+        endif()
     endif()
     # CMake's own way links with -fPIE, and link-time optimisation would take that in place of the
     # -fPIC that Qt's targets bring: the panel would crash when it starts.

@@ -1,7 +1,6 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/pixels.h"
 
-#include <QGuiApplication>
-#include <QScreen>
 #include <QTest>
 
 #include <utility>
@@ -92,8 +91,7 @@ QPoint Screenshots::onScreen(const QPoint &point) const
 
 QImage Screenshots::window()
 {
-    return QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(
-            onScreen(m_panel->globalRect(Window)));
+    return screenshot(onScreen(m_panel->globalRect(Window)));
 }
 
 void Screenshots::save(const QString &state)

@@ -1,6 +1,6 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ShimFolder.h"
-#include "tests/support/contrast.h"
+#include "tests/support/pixels.h"
 
 #include <QTest>
 
@@ -21,19 +21,6 @@ const QString CloseButton;
 constexpr int RingReach = 4;
 //! The least contrast of a ring with what was there before.
 constexpr double LeastContrast = 3.0;
-
-//! The pixels by which \a after stands out from \a before.
-QRegion standsOut(const QImage &before, const QImage &after)
-{
-    QRegion result;
-    for (int y = 0; y < before.height(); ++y) {
-        for (int x = 0; x < before.width(); ++x) {
-            if (contrast(before.pixel(x, y), after.pixel(x, y)) >= LeastContrast)
-                result += QRect(x, y, 1, 1);
-        }
-    }
-    return result;
-}
 
 } // namespace
 
@@ -110,7 +97,7 @@ void tst_Keyboard::showsTheFocus()
                                      ? QRect(window.right() - 49, window.top(), 50, 32)
                                      : m_panel->globalRect(focus()).translated(-corner);
         const QRect reach = widget.marginsAdded({RingReach, RingReach, RingReach, RingReach});
-        const QRegion ring = standsOut(unfocused, m_panel->grab(Window));
+        const QRegion ring = differingPixels(unfocused, m_panel->grab(Window), LeastContrast);
         QVERIFY2(!ring.isEmpty(), qPrintable(focus()));
         QVERIFY2(reach.contains(ring.boundingRect()), qPrintable(focus()));
         // All round it: a line from the middle meets it whichever way it goes.

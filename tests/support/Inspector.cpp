@@ -16,7 +16,6 @@
 #include <QMetaEnum>
 #include <QProcessEnvironment>
 #include <QPushButton>
-#include <QScreen>
 #include <QSet>
 #include <QUrl>
 #include <QWindow>
@@ -128,7 +127,6 @@ Inspector::Inspector(const QString &socketPath)
                    {QStringLiteral("windowId"), &Inspector::windowId},
                    {QStringLiteral("isExposed"), &Inspector::isExposed},
                    {QStringLiteral("grab"), &Inspector::grab},
-                   {QStringLiteral("grabScreen"), &Inspector::grabScreen},
                    {QStringLiteral("view"), &Inspector::view},
                    {QStringLiteral("messageBox"), &Inspector::messageBox},
                    {QStringLiteral("application"), &Inspector::application},
@@ -264,11 +262,6 @@ QVariant Inspector::grab(const Question &question)
 {
     QWidget *found = widget(question);
     return found ? found->grab().toImage() : QVariant();
-}
-
-QVariant Inspector::grabScreen(const Question &)
-{
-    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
 }
 
 QVariant Inspector::view(const Question &question)

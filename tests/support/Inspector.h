@@ -51,7 +51,6 @@ private:
     QVariant windowId(const Question &question);
     QVariant isExposed(const Question &question);
     QVariant grab(const Question &question);
-    QVariant grabScreen(const Question &question);
     QVariant view(const Question &question);
     QVariant messageBox(const Question &question);
     QVariant application(const Question &question);

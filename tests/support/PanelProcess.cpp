@@ -1,4 +1,5 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/realInput.h"
 
 #include <QCursor>
 #include <QDataStream>
@@ -324,11 +325,6 @@ QImage PanelProcess::grab(const QString &address)
     return ask(QStringLiteral("grab"), {{Object, address}}).value<QImage>();
 }
 
-QImage PanelProcess::grabScreen()
-{
-    return ask(QStringLiteral("grabScreen")).value<QImage>();
-}
-
 QList<PanelProcess::Row> PanelProcess::rows(const QString &itemView)
 {
     QList<Row> result;
@@ -416,35 +412,27 @@ QImage PanelProcess::icon(const QString &path)
     return ask(QStringLiteral("icon"), {{QStringLiteral("path"), path}}).value<QImage>();
 }
 
-void PanelProcess::xdotool(const QStringList &arguments)
-{
-    if (QProcess::execute(QStringLiteral("xdotool"), arguments) != 0)
-        failTest(QStringLiteral("xdotool failed: ") + arguments.join(QLatin1Char(' ')));
-}
-
 void PanelProcess::moveMouse(const QPoint &global)
 {
-    // Not with --sync: that waits for a movement, in vain where the pointer is there already.
-    xdotool({QStringLiteral("mousemove"), QString::number(global.x()),
-             QString::number(global.y())});
+    xdotool(moveTo(global));
     if (!QTest::qWaitFor([&] { return QCursor::pos() == global; }))
         failTest(QStringLiteral("the pointer doesn't follow"));
 }
 
 void PanelProcess::pressButton(int button)
 {
-    xdotool({QStringLiteral("mousedown"), QString::number(button)});
+    xdotool(press(button));
 }
 
 void PanelProcess::releaseButton(int button)
 {
-    xdotool({QStringLiteral("mouseup"), QString::number(button)});
+    xdotool(release(button));
 }
 
 void PanelProcess::clickAt(const QPoint &global, int button)
 {
     moveMouse(global);
-    xdotool({QStringLiteral("click"), QString::number(button)});
+    xdotool(::click(button));
 }
 
 void PanelProcess::click(const QString &address)

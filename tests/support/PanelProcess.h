@@ -130,8 +130,6 @@ public:
     //! Whether the widget is visible in a window that the X server shows.
     bool isExposed(const QString &address);
     QImage grab(const QString &address);
-    //! The whole screen, window frames and all.
-    QImage grabScreen();
 
     struct Cell
     {
@@ -192,7 +190,6 @@ public:
 private:
     QVariant ask(const QString &what, QVariantMap question = {});
     bool connectToInspector();
-    static void xdotool(const QStringList &arguments);
 
     QTemporaryDir m_root;
     QString m_folder;

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QMetaProperty>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -12,23 +13,26 @@
 
 namespace {
 
-//! A key of the settings file, its default and, for a number, its accepted range.
+//! A key of the settings file, its field on the page, its default and, for a number, its range.
 struct Setting
 {
     const char *key = nullptr;
+    const char *field = nullptr;
     int initial = 0;
     int minimum = 0;
     int maximum = 0;
 };
 
-constexpr Setting LogLevel = {"log/level", 1}; // index into LevelNames
-constexpr Setting LogDays = {"log/days", 30, 10, 30};
-constexpr Setting RpcLogs = {"rpc/enableLogs", false};
-constexpr Setting RpcTimeout = {"rpc/timeout", 30, 10, 60}; // seconds
-constexpr Setting RpcThreads = {"rpc/threads", 5, 1, 8};
-constexpr Setting MsgPull = {"msg/pullInterval", 10, 5, 30}; // minutes
-constexpr Setting MsgUpdate = {"msg/updateInterval", 3, 1, 10}; // seconds
-constexpr Setting MsgUpload = {"msg/uploadInterval", 3, 1, 30}; // minutes
+constexpr std::array Settings = {
+        Setting {"log/level", "cbLogLevel", 1}, // index into LevelNames
+        Setting {"log/days", "spinLogDays", 30, 10, 30},
+        Setting {"rpc/enableLogs", "cbRpcLog", false},
+        Setting {"rpc/timeout", "spinRpcTimeout", 30, 10, 60}, // seconds
+        Setting {"rpc/threads", "spinThreadNums", 5, 1, 8},
+        Setting {"msg/pullInterval", "spinPullMessage", 10, 5, 30}, // minutes
+        Setting {"msg/updateInterval", "spinStatusUpdate", 3, 1, 10}, // seconds
+        Setting {"msg/uploadInterval", "spinUpload", 3, 1, 30}, // minutes
+};
 
 //! As shown and as stored in the file.
 constexpr std::array<const char *, 5> LevelNames = {
@@ -39,30 +43,6 @@ constexpr std::array<const char *, 5> LevelNames = {
 
 //! An unsigned lock of this age has no owner: signing takes microseconds.
 constexpr int AbandonedLockMs = 1000;
-
-void setUpNumber(QSpinBox *field, const Setting &setting)
-{
-    field->setRange(setting.minimum, setting.maximum);
-    field->setValue(setting.initial);
-}
-
-QVariant read(const QSettings *settings, const Setting &setting, const QVariant &initial)
-{
-    return settings->value(QLatin1String(setting.key), initial);
-}
-
-void readNumber(const QSettings *settings, const Setting &setting, QSpinBox *field)
-{
-    const int number = read(settings, setting, setting.initial).toInt();
-    // setValue() would clamp a value out of range; it must be ignored.
-    if (number >= setting.minimum && number <= setting.maximum)
-        field->setValue(number);
-}
-
-void write(QSettings *settings, const Setting &setting, const QVariant &value)
-{
-    settings->setValue(QLatin1String(setting.key), value);
-}
 
 /*!
     Removes a lock of \a file that was left by a panel killed between creating and signing it.
@@ -90,15 +70,18 @@ SettingsForm::SettingsForm(QWidget *parent)
     int level = 0;
     for (const char *name : LevelNames)
         ui->cbLogLevel->addItem(tr(name), level++);
-    ui->cbLogLevel->setCurrentIndex(LogLevel.initial);
-    setUpNumber(ui->spinLogDays, LogDays);
-    ui->cbRpcLog->setChecked(RpcLogs.initial);
+    for (const Setting &setting : Settings) {
+        auto *field = findChild<QWidget *>(QLatin1String(setting.field));
+        if (auto *number = qobject_cast<QSpinBox *>(field)) {
+            number->setRange(setting.minimum, setting.maximum);
+            number->setValue(setting.initial);
+        } else if (auto *list = qobject_cast<QComboBox *>(field)) {
+            list->setCurrentIndex(setting.initial);
+        } else if (auto *box = qobject_cast<QCheckBox *>(field)) {
+            box->setChecked(setting.initial != 0);
+        }
+    }
     ui->labelRpcLog->hide();
-    setUpNumber(ui->spinRpcTimeout, RpcTimeout);
-    setUpNumber(ui->spinThreadNums, RpcThreads);
-    setUpNumber(ui->spinPullMessage, MsgPull);
-    setUpNumber(ui->spinStatusUpdate, MsgUpdate);
-    setUpNumber(ui->spinUpload, MsgUpload);
     nameFields();
 
     connect(ui->cbLogLevel, SIGNAL(activated(int)), this, SLOT(logLevelChanged()));
@@ -122,19 +105,19 @@ SettingsForm::~SettingsForm()
 //! Names each field for assistive tools by the labels beside it.
 void SettingsForm::nameFields()
 {
-    const auto name = [](QWidget *field, const QLabel *label, const QLabel *unit) {
-        field->setAccessibleName(label->text());
+    const QList<QHBoxLayout *> rows = findChildren<QHBoxLayout *>();
+    for (const QHBoxLayout *row : rows) {
+        auto *label = qobject_cast<QLabel *>(row->itemAt(0)->widget());
+        QWidget *field = row->itemAt(1)->widget();
+        const auto *unit = qobject_cast<QLabel *>(row->itemAt(2)->widget());
+        // The accessible name of a combo box is its value, so its label becomes its buddy instead.
+        if (qobject_cast<QComboBox *>(field))
+            label->setBuddy(field);
+        else
+            field->setAccessibleName(label->text());
         if (unit)
             field->setAccessibleDescription(unit->text());
-    };
-    // The accessible name of a combo box is its value, so its label becomes its buddy instead.
-    ui->label_7->setBuddy(ui->cbLogLevel);
-    name(ui->spinLogDays, ui->label_8, ui->label_9);
-    name(ui->spinRpcTimeout, ui->label_3, ui->label_4);
-    name(ui->spinThreadNums, ui->label_5, nullptr);
-    name(ui->spinPullMessage, ui->label_11, ui->label_12);
-    name(ui->spinStatusUpdate, ui->label_13, ui->label_14);
-    name(ui->spinUpload, ui->label_15, ui->label_16);
+    }
 }
 
 void SettingsForm::loadConfig()
@@ -149,17 +132,20 @@ void SettingsForm::loadConfig()
     if (settings->status() != QSettings::NoError)
         return;
 
-    const QString level = read(settings, LogLevel, tr(LevelNames[LogLevel.initial])).toString();
-    const int item = ui->cbLogLevel->findText(level);
-    if (item >= 0)
-        ui->cbLogLevel->setCurrentIndex(item);
-    readNumber(settings, LogDays, ui->spinLogDays);
-    ui->cbRpcLog->setChecked(read(settings, RpcLogs, bool(RpcLogs.initial)).toBool());
-    readNumber(settings, RpcTimeout, ui->spinRpcTimeout);
-    readNumber(settings, RpcThreads, ui->spinThreadNums);
-    readNumber(settings, MsgPull, ui->spinPullMessage);
-    readNumber(settings, MsgUpdate, ui->spinStatusUpdate);
-    readNumber(settings, MsgUpload, ui->spinUpload);
+    for (const Setting &setting : Settings) {
+        auto *field = findChild<QWidget *>(QLatin1String(setting.field));
+        const QString key = QLatin1String(setting.key);
+        if (auto *number = qobject_cast<QSpinBox *>(field)) {
+            const int value = settings->value(key, setting.initial).toInt();
+            // setValue() would clamp a value out of range; it must be ignored.
+            if (value >= setting.minimum && value <= setting.maximum)
+                number->setValue(value);
+        } else if (auto *list = qobject_cast<QComboBox *>(field)) {
+            list->setCurrentText(settings->value(key, list->itemText(setting.initial)).toString());
+        } else if (auto *box = qobject_cast<QCheckBox *>(field)) {
+            box->setChecked(settings->value(key, setting.initial != 0).toBool());
+        }
+    }
 }
 
 void SettingsForm::saveConfig()
@@ -167,43 +153,54 @@ void SettingsForm::saveConfig()
     // Empty: each slot below already hands its change to QSettings.
 }
 
+//! Hands what \a field shows to the settings file.
+void SettingsForm::write(const QWidget *field)
+{
+    // What a user sets: the number of a spin box, the text of a list, whether a box is checked.
+    const QVariant value = field->metaObject()->userProperty().read(field);
+    for (const Setting &setting : Settings) {
+        if (field->objectName() == QLatin1String(setting.field))
+            settings->setValue(QLatin1String(setting.key), value);
+    }
+}
+
 void SettingsForm::logLevelChanged()
 {
-    write(settings, LogLevel, ui->cbLogLevel->currentText());
+    write(ui->cbLogLevel);
 }
 
 void SettingsForm::logDaysChanged()
 {
-    write(settings, LogDays, ui->spinLogDays->value());
+    write(ui->spinLogDays);
 }
 
 void SettingsForm::rpcLogChanged()
 {
     ui->labelRpcLog->setVisible(ui->cbRpcLog->isChecked());
-    write(settings, RpcLogs, ui->cbRpcLog->isChecked());
+    write(ui->cbRpcLog);
 }
 
 void SettingsForm::rpcTimeoutChanged()
 {
-    write(settings, RpcTimeout, ui->spinRpcTimeout->value());
+    write(ui->spinRpcTimeout);
 }
 
 void SettingsForm::rpcThreadsChanged()
 {
-    write(settings, RpcThreads, ui->spinThreadNums->value());
+    write(ui->spinThreadNums);
 }
 
 void SettingsForm::msgPullChanged()
 {
-    write(settings, MsgPull, ui->spinPullMessage->value());
+    write(ui->spinPullMessage);
 }
 
 void SettingsForm::msgUpdateChanged()
 {
-    write(settings, MsgUpdate, ui->spinStatusUpdate->value());
+    write(ui->spinStatusUpdate);
 }
 
 void SettingsForm::msgUploadChanged()
 {
-    write(settings, MsgUpload, ui->spinUpload->value());
+    write(ui->spinUpload);
 }

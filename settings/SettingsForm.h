@@ -50,6 +50,7 @@ private slots:
 
 private:
     void nameFields();
+    void write(const QWidget *field);
 
     Ui_SettingsForm *ui;
     QSettings *settings = nullptr;

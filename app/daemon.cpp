@@ -12,12 +12,13 @@ namespace {
 constexpr const char *DaemonName = "Corvane";
 constexpr const char *QuickStartArgument = "quickboot";
 constexpr const char *ProbeTemplate = "pgrep -lf %1 | grep -w %2 | awk '{print $1}'";
-constexpr const char *DetailTemplate =
-        "ps -o comm,pid,user,etime,%cpu,%mem -p %1 | grep -w Corvane";
+constexpr const char *DetailTemplate = "ps -o %1 -p %2 | grep -w Corvane";
 
 constexpr int OutputIndex = 0;
 constexpr int ExitCodeIndex = 1;
 constexpr int Decimal = 10;
+
+constexpr QChar Blank = QLatin1Char(' ');
 
 } // namespace
 
@@ -40,7 +41,29 @@ QString probeCommand()
 
 QString detailCommand(qint64 pid)
 {
-    return QString::fromLatin1(DetailTemplate).arg(pid);
+    QStringList fields;
+    for (const Figure &figure : Figures)
+        fields.append(QLatin1String(figure.field));
+    return QString::fromLatin1(DetailTemplate)
+            .arg(fields.join(QLatin1Char(',')), QString::number(pid));
+}
+
+QStringList figureTexts(const QString &detail)
+{
+    QStringList parts = detail.split(Blank, Qt::SkipEmptyParts);
+    // Redundant after the split above, which skips empty parts.
+    parts.removeAll(Blank);
+
+    QStringList texts;
+    for (int i = 0; i < parts.size(); ++i) {
+        // The index counts skipped parts too: a figure is known by its place in the line.
+        const QString text = parts.at(i).trimmed();
+        if (text.isEmpty())
+            continue;
+        const char *suffix = i < int(Figures.size()) ? Figures[size_t(i)].suffix : "";
+        texts.append(text + QString::fromUtf8(suffix));
+    }
+    return texts;
 }
 
 QString outputText(const QList<QVariant> &result)

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <array>
 #include <optional>
 
 /*!
@@ -17,6 +18,26 @@
     reading the answer has its own function.
 */
 namespace Daemon {
+
+//! One of the process figures: what ps calls it, and how the run-status page shows it.
+struct Figure
+{
+    const char *field;
+    //! Of its column; for tr() of the page.
+    const char *title;
+    //! Follows each value.
+    const char *suffix;
+};
+
+//! The process figures, in the order of the command line and of the columns.
+inline constexpr std::array Figures = {
+        Figure {"comm", QT_TRANSLATE_NOOP("OverviewForm", "进程"), ""},
+        Figure {"pid", QT_TRANSLATE_NOOP("OverviewForm", "PID"), ""},
+        Figure {"user", QT_TRANSLATE_NOOP("OverviewForm", "启动用户"), ""},
+        Figure {"etime", QT_TRANSLATE_NOOP("OverviewForm", "运行时长"), ""},
+        Figure {"%cpu", QT_TRANSLATE_NOOP("OverviewForm", "CPU占用率"), "%"},
+        Figure {"%mem", QT_TRANSLATE_NOOP("OverviewForm", "内存占用率"), "%"},
+};
 
 //! The PID of a daemon that isn't running, or of which nothing is known.
 constexpr qint64 UnknownPid = -1;
@@ -31,11 +52,17 @@ QStringList shellArguments(const QString &commandLine);
 QString probeCommand();
 
 /*!
-    The command line that prints the process figures of process \a pid on one line, if that process
-    is a daemon: command name, PID, user, elapsed time, CPU share and memory share, separated by
-    blanks.
+    The command line that prints the process figures of process \a pid on one line, separated by
+    blanks, if that process is a daemon.
 */
 QString detailCommand(qint64 pid);
+
+/*!
+    The values in \a detail, the output of detailCommand(), each with its figure's suffix; there may
+    be more or fewer values than figures. Only blanks separate values: a line feed stays inside its
+    value, so that two lines don't pass for one.
+*/
+QStringList figureTexts(const QString &detail);
 
 //! The standard output in \a result as text; empty when the command could not be started.
 QString outputText(const QList<QVariant> &result);

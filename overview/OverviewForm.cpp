@@ -32,19 +32,23 @@ constexpr int HeaderAndRowHeight = 76;
 //! Left and right of a cell's text together, in pixels: its own margins and those of the style.
 constexpr int CellMargins = 10;
 
-//! Fields of the process figures that are shares of a whole, by their place in the line.
-constexpr int CpuField = 4;
-constexpr int MemoryField = 5;
-
 //! The ring around the focused widget, and the gap between them, in pixels.
 constexpr QRgb FocusColor = qRgb(0, 120, 212);
 constexpr int FocusWidth = 2;
 constexpr int FocusGap = 1;
 
+//! A page that a button opens. Its host comes from the configure step.
+struct WebPage
+{
+    const char *host;
+    const char *path; //!< with the fragment
+};
+
+constexpr WebPage ServiceHall = {PANEL_SERVICE_HALL_HOST, "/#/software-selfHelp"};
+constexpr WebPage KnowledgeBase = {PANEL_KNOWLEDGE_BASE_HOST, "/kqwiki/fullTextSearch.xhtml"};
+
 constexpr unsigned long NoRepairPauseMs = 2000;
 constexpr unsigned long MsPerSecond = 1000;
-
-constexpr QChar Blank = QLatin1Char(' ');
 
 //! Shows the wait cursor over the whole application while it lives.
 class WaitCursor
@@ -61,8 +65,10 @@ QList<QVariant> run(OverviewForm &page, const QString &commandLine)
     return page.execute(Daemon::shell(), Daemon::shellArguments(commandLine));
 }
 
-void openWebPage(const QString &address)
+void open(const WebPage &page)
 {
+    const QString address =
+            QStringLiteral("https://") + QLatin1String(page.host) + QLatin1String(page.path);
     QDesktopServices::openUrl(QUrl(address, QUrl::TolerantMode));
 }
 
@@ -121,30 +127,6 @@ void layOutAtOnce(QTreeWidget *tree)
     static_cast<void>(tree->header()->length());
 }
 
-/*!
-    Splits the line of process figures into the texts of a row, with "%" behind the shares.
-    Only blanks separate fields: a line feed stays inside its field, so that two lines don't pass
-    for one.
-*/
-QStringList rowFromDetail(const QString &detail)
-{
-    QStringList parts = detail.split(Blank, Qt::SkipEmptyParts);
-    // Redundant after the split above, which skips empty parts.
-    parts.removeAll(Blank);
-
-    QStringList row;
-    for (int i = 0; i < parts.size(); ++i) {
-        // The index counts skipped fields too: a share is known by its place in the line.
-        QString text = parts.at(i).trimmed();
-        if (text.isEmpty())
-            continue;
-        if (i == CpuField || i == MemoryField)
-            text += QLatin1Char('%');
-        row.append(text);
-    }
-    return row;
-}
-
 } // namespace
 
 OverviewForm::OverviewForm(QWidget *parent)
@@ -154,8 +136,10 @@ OverviewForm::OverviewForm(QWidget *parent)
 {
     ui->setupUi(this);
 
-    setUpTable(ui->treeWidgetOW, {tr("进程"), tr("PID"), tr("启动用户"), tr("运行时长"),
-                                  tr("CPU占用率"), tr("内存占用率")});
+    QStringList titles;
+    for (const Daemon::Figure &figure : Daemon::Figures)
+        titles.append(tr(figure.title));
+    setUpTable(ui->treeWidgetOW, titles);
     ui->labelNoService->hide();
     ui->labelOWError->hide();
 
@@ -168,7 +152,8 @@ OverviewForm::OverviewForm(QWidget *parent)
     // Assistive tools know a table by its title, and a button without the blank beside its icon.
     ui->treeWidgetOW->setAccessibleName(ui->labelOW->text());
     ui->treeWidgetTag->setAccessibleName(ui->labelTag->text());
-    for (QPushButton *button : {ui->kqfwdt, ui->kqzsk, ui->xfkqfw})
+    const QList<QPushButton *> buttons = findChildren<QPushButton *>();
+    for (QPushButton *button : buttons)
         button->setAccessibleName(button->text().trimmed());
     connect(qGuiApp, &QGuiApplication::focusObjectChanged, this, QOverload<>::of(&QWidget::update));
 
@@ -205,7 +190,7 @@ void OverviewForm::syncOWInfo()
         // a number other than 0. Where the test fails, lastPid keeps its value.
         if (!text.isEmpty() && detail.first().toInt() == 0) {
             lastPid = pid;
-            row = rowFromDetail(text);
+            row = Daemon::figureTexts(text);
         }
     }
 
@@ -235,13 +220,12 @@ void OverviewForm::syncTagsInfo()
 
 void OverviewForm::on_kqfwdt_clicked()
 {
-    openWebPage(QStringLiteral("https://" PANEL_SERVICE_HALL_HOST "/#/software-selfHelp"));
+    open(ServiceHall);
 }
 
 void OverviewForm::on_kqzsk_clicked()
 {
-    openWebPage(
-            QStringLiteral("https://" PANEL_KNOWLEDGE_BASE_HOST "/kqwiki/fullTextSearch.xhtml"));
+    open(KnowledgeBase);
 }
 
 void OverviewForm::on_xfkqfw_clicked()

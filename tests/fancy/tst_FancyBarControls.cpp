@@ -29,7 +29,7 @@ private slots:
     void menuStaysClosedForOtherSenders();
 
 private:
-    void showInWindow();
+    bool showInWindow();
     FancyBarPrivate &data() const { return *BarData::of(*bar); }
     static bool isPressed(const FancyButton *button)
     {
@@ -51,7 +51,8 @@ void tst_FancyBarControls::init()
     action.reset(new QAction(QStringLiteral("Action")));
 }
 
-void tst_FancyBarControls::showInWindow()
+//! Shows the bar in its window; whether that is active then.
+bool tst_FancyBarControls::showInWindow()
 {
     auto *layout = new QVBoxLayout(window.data());
     layout->addWidget(bar);
@@ -59,7 +60,7 @@ void tst_FancyBarControls::showInWindow()
     window->resize(400, 200);
     window->move(60, 50);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
+    return QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs);
 }
 
 void tst_FancyBarControls::controlsGoIntoTheTitleRow()
@@ -160,7 +161,8 @@ void tst_FancyBarControls::buttonTriggersItsAction()
     for (const QVariantList &arguments : triggered)
         QCOMPARE(arguments, QVariantList {false});
     QCOMPARE(toggled.count(), 0);
-    QVERIFY(!action->isChecked() && !button->isChecked());
+    QVERIFY(!action->isChecked());
+    QVERIFY(!button->isChecked());
 }
 
 void tst_FancyBarControls::eachPressConnectsAnew()
@@ -180,7 +182,7 @@ void tst_FancyBarControls::eachPressConnectsAnew()
     auto *button = new Counting(window.data());
     button->setDefaultAction(action.data());
     connect(button, &FancyButton::menuTriggered, &data(), &FancyBarPrivate::menuTriggered);
-    showInWindow();
+    QVERIFY(showInWindow());
 
     QTest::mousePress(button, Qt::LeftButton);
     QTRY_VERIFY(menu->isVisible());
@@ -202,7 +204,7 @@ void tst_FancyBarControls::eachMenuOpensBelowItsOwnButton()
     otherAction.setMenu(&otherMenu);
     FancyButton *first = bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 20);
     FancyButton *second = bar->addAdditionalControl(&otherAction, FancyBar::TitlePosition, 0);
-    showInWindow();
+    QVERIFY(showInWindow());
 
     QTest::mousePress(first, Qt::LeftButton, Qt::NoModifier, QPoint(3, 4));
     QTRY_VERIFY(menu->isVisible());

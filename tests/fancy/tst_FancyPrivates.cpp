@@ -38,13 +38,6 @@ bool areDeclaredInOrder(const Fields &...fields)
     const std::initializer_list<quintptr> addresses {quintptr(&fields)...};
     return std::is_sorted(addresses.begin(), addresses.end());
 }
-
-//! Whether all of \a fields are null, false or zero.
-template<typename... Fields>
-bool areUnset(const Fields &...fields)
-{
-    return (... && !fields);
-}
 } // namespace
 
 class tst_FancyPrivates : public QObject
@@ -83,9 +76,12 @@ void tst_FancyPrivates::declaresMethodsAndEnums()
              QStringList({"aboutToShowMenu()", "aboutToHideMenu()", "menuTriggered(QMouseEvent*)",
                           "slotWindowIconChange(QIcon&)"}));
 
-    static_assert(FancyBar::TitlePosition == 0 && FancyBar::MenuPosition == 1);
-    static_assert(FancyBar::WindowStyle == 0 && FancyBar::ClassicStyle == 1);
-    static_assert(FancyBar::MergedStyle == 2 && FancyBar::DialogStyle == 3);
+    static_assert(FancyBar::TitlePosition == 0);
+    static_assert(FancyBar::MenuPosition == 1);
+    static_assert(FancyBar::WindowStyle == 0);
+    static_assert(FancyBar::ClassicStyle == 1);
+    static_assert(FancyBar::MergedStyle == 2);
+    static_assert(FancyBar::DialogStyle == 3);
 }
 
 void tst_FancyPrivates::buttonFields()
@@ -95,7 +91,11 @@ void tst_FancyPrivates::buttonFields()
     QVERIFY(areDeclaredInOrder(d.q, d.m_hoverColor, d.m_pressColor, d.m_textColor, d.m_normalColor,
                                d.m_bMouseHover, d.m_bMousePress, d.m_hasBorder, d.m_bRound,
                                d.m_hasMenu));
-    QVERIFY(areUnset(d.q, d.m_bMouseHover, d.m_bMousePress, d.m_bRound, d.m_hasMenu));
+    QVERIFY(!d.q);
+    QVERIFY(!d.m_bMouseHover);
+    QVERIFY(!d.m_bMousePress);
+    QVERIFY(!d.m_bRound);
+    QVERIFY(!d.m_hasMenu);
     QCOMPARE(d.m_hoverColor, QColor(255, 255, 255, 50));
     QCOMPARE(d.m_pressColor, QColor(0, 0, 0, 50));
     QCOMPARE(d.m_textColor, QColor(255, 255, 255));
@@ -115,12 +115,27 @@ void tst_FancyPrivates::titleBarFields()
             d.m_bLeftButtonPressed, d.m_bLeftButtonDbClicked, d.m_bLeftButtonTitlePressed,
             d.m_bCursorShapeChanged, d.m_bWidgetMaximizable, d.m_bWidgetResizable,
             d.m_bWidgetMovable, d.m_movePoint, d._eventContinous));
-    QVERIFY(areUnset(d.q, d.m_mainWidget, d.m_titleWidget, d.m_systemGroup, d.m_maximizeButton,
-                     d.m_minimizeButton, d.m_closeButton, d.m_menu, d.m_maximizeAction,
-                     d.m_minimizeAction, d.m_restoreAction, d.m_closeAction, d._eventContinous));
-    QVERIFY(areUnset(d.m_bDarkIcon, d.m_windowFlags, d.m_currentScreen, d.m_bLeftButtonPressed,
-                     d.m_bLeftButtonDbClicked, d.m_bCursorShapeChanged, d.m_bWidgetMaximizable,
-                     d.m_bWidgetResizable));
+    QVERIFY(!d.q);
+    QVERIFY(!d.m_mainWidget);
+    QVERIFY(!d.m_titleWidget);
+    QVERIFY(!d.m_systemGroup);
+    QVERIFY(!d.m_maximizeButton);
+    QVERIFY(!d.m_minimizeButton);
+    QVERIFY(!d.m_closeButton);
+    QVERIFY(!d.m_menu);
+    QVERIFY(!d.m_maximizeAction);
+    QVERIFY(!d.m_minimizeAction);
+    QVERIFY(!d.m_restoreAction);
+    QVERIFY(!d.m_closeAction);
+    QVERIFY(!d._eventContinous);
+    QVERIFY(!d.m_bDarkIcon);
+    QVERIFY(!d.m_windowFlags);
+    QVERIFY(!d.m_currentScreen);
+    QVERIFY(!d.m_bLeftButtonPressed);
+    QVERIFY(!d.m_bLeftButtonDbClicked);
+    QVERIFY(!d.m_bCursorShapeChanged);
+    QVERIFY(!d.m_bWidgetMaximizable);
+    QVERIFY(!d.m_bWidgetResizable);
     QCOMPARE(d.m_bLeftButtonTitlePressed, true);
     QCOMPARE(d.m_bWidgetMovable, true);
     QCOMPARE(d.m_movePoint, QPoint(0, 0));
@@ -137,12 +152,25 @@ void tst_FancyPrivates::barFields()
             d.m_middleSpacerItem, d.m_additionalButtons, d.m_menuButton, d.m_style,
             d.m_menuTextColor, d.m_menuHoverColor, d.m_menuPressColor, d.m_titleBarHeight,
             d.m_bQuickAccessVisible, d.m_bMenuBarVisible, d.m_bMenuWidgetVisible));
-    QVERIFY(areUnset(d.q, d.m_logoLayout, d.m_titleWidget, d.m_titleBar, d.m_logoButton,
-                     d.m_leftSpacerItem, d.m_rightSpacerItem, d.m_titleAdditionalControlArea,
-                     d.m_systemGroup, d.m_menuWidget, d.m_appButtonLayout, d.m_menuBar,
-                     d.m_menuAdditionalControlArea, d.m_menuBarArea, d.m_middleSpacerItem,
-                     d.m_menuButton));
-    QVERIFY(areUnset(d.m_bQuickAccessVisible, d.m_bMenuBarVisible, d.m_bMenuWidgetVisible));
+    QVERIFY(!d.q);
+    QVERIFY(!d.m_logoLayout);
+    QVERIFY(!d.m_titleWidget);
+    QVERIFY(!d.m_titleBar);
+    QVERIFY(!d.m_logoButton);
+    QVERIFY(!d.m_leftSpacerItem);
+    QVERIFY(!d.m_rightSpacerItem);
+    QVERIFY(!d.m_titleAdditionalControlArea);
+    QVERIFY(!d.m_systemGroup);
+    QVERIFY(!d.m_menuWidget);
+    QVERIFY(!d.m_appButtonLayout);
+    QVERIFY(!d.m_menuBar);
+    QVERIFY(!d.m_menuAdditionalControlArea);
+    QVERIFY(!d.m_menuBarArea);
+    QVERIFY(!d.m_middleSpacerItem);
+    QVERIFY(!d.m_menuButton);
+    QVERIFY(!d.m_bQuickAccessVisible);
+    QVERIFY(!d.m_bMenuBarVisible);
+    QVERIFY(!d.m_bMenuWidgetVisible);
     QCOMPARE(d.m_additionalButtons, QList<FancyButton *>());
     QCOMPARE(d.m_style, FancyBar::WindowStyle);
     QCOMPARE(d.m_menuTextColor, QColor(250, 250, 250));

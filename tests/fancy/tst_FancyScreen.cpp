@@ -40,18 +40,18 @@ void tst_FancyScreen::findsTheCurrentScreen_data()
     QTest::addColumn<int>("index");
 
     const QList<QRect> none;
-    QTest::newRow("no screen") << none << 0 << 0;
-    QTest::newRow("no screen, right") << none << 5000 << 0;
-    QTest::newRow("left of all") << Row << -1 << 0;
-    QTest::newRow("first") << Row << 640 << 0;
-    QTest::newRow("last column of the first") << Row << 1279 << 0;
-    QTest::newRow("one beyond the first") << Row << 1280 << 0;
-    QTest::newRow("two beyond the first") << Row << 1281 << 1;
-    QTest::newRow("one beyond the second") << Row << 2080 << 1;
-    QTest::newRow("two beyond the second") << Row << 2081 << 2;
-    QTest::newRow("one beyond the last") << Row << 2720 << 2;
-    QTest::newRow("right of all") << Row << 2721 << 0;
-    QTest::newRow("one screen, right of it") << Row.mid(0, 1) << 3000 << 0;
+    QTest::newRow("no screen") << none << /*x*/ 0 << /*index*/ 0;
+    QTest::newRow("no screen, right") << none << /*x*/ 5000 << /*index*/ 0;
+    QTest::newRow("left of all") << Row << /*x*/ -1 << /*index*/ 0;
+    QTest::newRow("first") << Row << /*x*/ 640 << /*index*/ 0;
+    QTest::newRow("last column of the first") << Row << /*x*/ 1279 << /*index*/ 0;
+    QTest::newRow("one beyond the first") << Row << /*x*/ 1280 << /*index*/ 0;
+    QTest::newRow("two beyond the first") << Row << /*x*/ 1281 << /*index*/ 1;
+    QTest::newRow("one beyond the second") << Row << /*x*/ 2080 << /*index*/ 1;
+    QTest::newRow("two beyond the second") << Row << /*x*/ 2081 << /*index*/ 2;
+    QTest::newRow("one beyond the last") << Row << /*x*/ 2720 << /*index*/ 2;
+    QTest::newRow("right of all") << Row << /*x*/ 2721 << /*index*/ 0;
+    QTest::newRow("one screen, right of it") << Row.mid(0, 1) << /*x*/ 3000 << /*index*/ 0;
 }
 
 void tst_FancyScreen::findsTheCurrentScreen()
@@ -71,14 +71,14 @@ void tst_FancyScreen::givesRectanglesByIndex_data()
     QTest::addColumn<int>("index");
     QTest::addColumn<QRect>("rect");
 
-    QTest::newRow("first") << Row << 0 << Row.at(0);
-    QTest::newRow("last") << Row << 2 << Row.at(2);
-    QTest::newRow("the count") << Row << 3 << Row.at(0);
-    QTest::newRow("beyond the count") << Row << 100 << Row.at(0);
-    QTest::newRow("negative") << Row << -1 << Row.at(0);
-    QTest::newRow("very negative") << Row << -2 << Row.at(0);
-    QTest::newRow("no screen") << QList<QRect>() << 0 << QRect();
-    QTest::newRow("no screen, negative") << QList<QRect>() << -1 << QRect();
+    QTest::newRow("first") << Row << /*index*/ 0 << Row.at(0);
+    QTest::newRow("last") << Row << /*index*/ 2 << Row.at(2);
+    QTest::newRow("the count") << Row << /*index*/ 3 << Row.at(0);
+    QTest::newRow("beyond the count") << Row << /*index*/ 100 << Row.at(0);
+    QTest::newRow("negative") << Row << /*index*/ -1 << Row.at(0);
+    QTest::newRow("very negative") << Row << /*index*/ -2 << Row.at(0);
+    QTest::newRow("no screen") << QList<QRect>() << /*index*/ 0 << QRect();
+    QTest::newRow("no screen, negative") << QList<QRect>() << /*index*/ -1 << QRect();
 }
 
 void tst_FancyScreen::givesRectanglesByIndex()

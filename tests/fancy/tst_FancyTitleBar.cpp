@@ -114,11 +114,11 @@ void tst_FancyTitleBar::buildsItsButtons_data()
     QTest::addColumn<bool>("hidden");
 
     QTest::newRow("minimize") << &FancyTitleBarPrivate::m_minimizeButton << "minimize"
-                              << CommandColor << true;
+                              << CommandColor << /*hidden*/ true;
     QTest::newRow("maximize") << &FancyTitleBarPrivate::m_maximizeButton << "maximize"
-                              << CommandColor << true;
+                              << CommandColor << /*hidden*/ true;
     QTest::newRow("close") << &FancyTitleBarPrivate::m_closeButton << "close" << QColor(255, 0, 0)
-                           << false;
+                           << /*hidden*/ false;
 }
 
 void tst_FancyTitleBar::buildsItsButtons()
@@ -240,7 +240,10 @@ void tst_FancyTitleBar::isInertWithoutAWindow()
     d.restoreWidget(window.data());
     d.setIconDark(true);
 
-    QVERIFY(!d.q && !d.m_closeButton && !d.m_menu && !d.m_bDarkIcon);
+    QVERIFY(!d.q);
+    QVERIFY(!d.m_closeButton);
+    QVERIFY(!d.m_menu);
+    QVERIFY(!d.m_bDarkIcon);
     QVERIFY(!inert.mainWidget());
     QVERIFY(!inert.systemGroup());
     QCOMPARE(imageOf(d.m_normalIcon[0]), resourceImage("restore"));
@@ -309,10 +312,10 @@ void tst_FancyTitleBar::privateIconDarkAppliesIcons_data()
     QTest::addColumn<bool>("dark");
     QTest::addColumn<bool>("maximized");
 
-    QTest::newRow("light") << false << false;
-    QTest::newRow("dark") << true << false;
-    QTest::newRow("light, maximized") << false << true;
-    QTest::newRow("dark, maximized") << true << true;
+    QTest::newRow("light") << /*dark*/ false << /*maximized*/ false;
+    QTest::newRow("dark") << /*dark*/ true << /*maximized*/ false;
+    QTest::newRow("light, maximized") << /*dark*/ false << /*maximized*/ true;
+    QTest::newRow("dark, maximized") << /*dark*/ true << /*maximized*/ true;
 }
 
 void tst_FancyTitleBar::privateIconDarkAppliesIcons()
@@ -339,9 +342,12 @@ void tst_FancyTitleBar::operationsNeedTheirButtons_data()
     QTest::addColumn<bool>("readsFlags");
     QTest::addColumn<bool>("followsState");
 
-    QTest::newRow("minimize") << &FancyTitleBarPrivate::m_minimizeButton << false << true;
-    QTest::newRow("maximize") << &FancyTitleBarPrivate::m_maximizeButton << false << false;
-    QTest::newRow("close") << &FancyTitleBarPrivate::m_closeButton << true << true;
+    QTest::newRow("minimize") << &FancyTitleBarPrivate::m_minimizeButton << /*readsFlags*/ false
+                              << /*followsState*/ true;
+    QTest::newRow("maximize") << &FancyTitleBarPrivate::m_maximizeButton << /*readsFlags*/ false
+                              << /*followsState*/ false;
+    QTest::newRow("close") << &FancyTitleBarPrivate::m_closeButton << /*readsFlags*/ true
+                           << /*followsState*/ true;
 }
 
 void tst_FancyTitleBar::operationsNeedTheirButtons()

@@ -44,9 +44,9 @@ private slots:
     void showsTheButtonsOfTheFlags_data();
     void showsTheButtonsOfTheFlags();
     void passesOtherEventsOn();
-    void facesFollowTheState_data();
-    void facesFollowTheState();
-    void facesChangeInOrder();
+    void maximizeButtonFollowsTheState_data();
+    void maximizeButtonFollowsTheState();
+    void tooltipAndPropertyChangeInOrder();
     void buttonsCommandTheWindow();
     void menuCommandsTheWindow();
     void closeOnlyAsks();
@@ -56,7 +56,7 @@ private slots:
     void systemMenuStaysClosed();
 
 private:
-    void create(Qt::WindowFlags flags);
+    bool create(Qt::WindowFlags flags);
     FancyTitleBarPrivate &data() const { return *TitleBarData::of(*bar); }
 
     Recorder stateChanges {{QEvent::WindowStateChange}};
@@ -64,7 +64,8 @@ private:
     FancyTitleBar *bar = nullptr;
 };
 
-void tst_FancyTitleBarWindow::create(Qt::WindowFlags flags)
+//! Shows a new window with a title bar; whether it is active then.
+bool tst_FancyTitleBarWindow::create(Qt::WindowFlags flags)
 {
     window.reset(new QWidget(nullptr, flags));
     stateChanges.events.clear();
@@ -77,7 +78,7 @@ void tst_FancyTitleBarWindow::create(Qt::WindowFlags flags)
     window->resize(400, 100);
     window->move(50, 60);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs));
+    return QTest::qWaitForWindowActive(window.data(), WindowTimeoutMs);
 }
 
 void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags_data()
@@ -86,10 +87,12 @@ void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags_data()
     QTest::addColumn<bool>("minimize");
     QTest::addColumn<bool>("maximize");
 
-    QTest::newRow("none") << Frameless << false << false;
-    QTest::newRow("minimize") << (Frameless | Qt::WindowMinimizeButtonHint) << true << false;
-    QTest::newRow("maximize") << (Frameless | Qt::WindowMaximizeButtonHint) << false << true;
-    QTest::newRow("both") << WithBoth << true << true;
+    QTest::newRow("none") << Frameless << /*minimize*/ false << /*maximize*/ false;
+    QTest::newRow("minimize") << (Frameless | Qt::WindowMinimizeButtonHint) << /*minimize*/ true
+                              << /*maximize*/ false;
+    QTest::newRow("maximize") << (Frameless | Qt::WindowMaximizeButtonHint) << /*minimize*/ false
+                              << /*maximize*/ true;
+    QTest::newRow("both") << WithBoth << /*minimize*/ true << /*maximize*/ true;
 }
 
 void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags()
@@ -97,7 +100,7 @@ void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags()
     QFETCH(Qt::WindowFlags, flags);
     QFETCH(bool, minimize);
     QFETCH(bool, maximize);
-    create(Frameless);
+    QVERIFY(create(Frameless));
     const FancyTitleBarPrivate &d = data();
     window->setWindowFlags(WithBoth);
     QVERIFY(d.m_minimizeButton->isHidden());
@@ -121,7 +124,7 @@ void tst_FancyTitleBarWindow::showsTheButtonsOfTheFlags()
 
 void tst_FancyTitleBarWindow::passesOtherEventsOn()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     QEvent change(QEvent::WindowStateChange);
     QEvent other(QEvent::WindowTitleChange);
 
@@ -130,7 +133,7 @@ void tst_FancyTitleBarWindow::passesOtherEventsOn()
     QVERIFY(!bar->eventFilter(window.data(), nullptr));
 }
 
-void tst_FancyTitleBarWindow::facesFollowTheState_data()
+void tst_FancyTitleBarWindow::maximizeButtonFollowsTheState_data()
 {
     QTest::addColumn<Qt::WindowFlags>("flags");
     QTest::addColumn<bool>("dark");
@@ -138,22 +141,28 @@ void tst_FancyTitleBarWindow::facesFollowTheState_data()
     QTest::addColumn<bool>("canMaximize");
     QTest::addColumn<bool>("canRestore");
 
-    QTest::newRow("maximized, dark") << WithBoth << true << true << false << true;
-    QTest::newRow("maximized, light") << WithBoth << false << true << false << true;
-    QTest::newRow("normal, dark") << WithBoth << true << false << true << false;
-    QTest::newRow("normal, light") << WithBoth << false << false << true << false;
-    QTest::newRow("maximized, no hint") << Frameless << true << true << false << false;
-    QTest::newRow("normal, no hint") << Frameless << true << false << false << false;
+    QTest::newRow("maximized, dark") << WithBoth << /*dark*/ true << /*maximized*/ true
+                                     << /*canMaximize*/ false << /*canRestore*/ true;
+    QTest::newRow("maximized, light") << WithBoth << /*dark*/ false << /*maximized*/ true
+                                      << /*canMaximize*/ false << /*canRestore*/ true;
+    QTest::newRow("normal, dark") << WithBoth << /*dark*/ true << /*maximized*/ false
+                                  << /*canMaximize*/ true << /*canRestore*/ false;
+    QTest::newRow("normal, light") << WithBoth << /*dark*/ false << /*maximized*/ false
+                                   << /*canMaximize*/ true << /*canRestore*/ false;
+    QTest::newRow("maximized, no hint") << Frameless << /*dark*/ true << /*maximized*/ true
+                                        << /*canMaximize*/ false << /*canRestore*/ false;
+    QTest::newRow("normal, no hint") << Frameless << /*dark*/ true << /*maximized*/ false
+                                     << /*canMaximize*/ false << /*canRestore*/ false;
 }
 
-void tst_FancyTitleBarWindow::facesFollowTheState()
+void tst_FancyTitleBarWindow::maximizeButtonFollowsTheState()
 {
     QFETCH(Qt::WindowFlags, flags);
     QFETCH(bool, dark);
     QFETCH(bool, maximized);
     QFETCH(bool, canMaximize);
     QFETCH(bool, canRestore);
-    create(flags);
+    QVERIFY(create(flags));
     const FancyTitleBarPrivate &d = data();
     QVERIFY(!d.m_maximizeButton->property("maximizeProperty").isValid());
     bar->setIconDark(dark);
@@ -176,9 +185,9 @@ void tst_FancyTitleBarWindow::facesFollowTheState()
     QCOMPARE(stateChanges.events.count(), 0);
 }
 
-void tst_FancyTitleBarWindow::facesChangeInOrder()
+void tst_FancyTitleBarWindow::tooltipAndPropertyChangeInOrder()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     Recorder changes({QEvent::ToolTipChange, QEvent::DynamicPropertyChange});
     data().m_maximizeButton->installEventFilter(&changes);
 
@@ -192,7 +201,7 @@ void tst_FancyTitleBarWindow::facesChangeInOrder()
 
 void tst_FancyTitleBarWindow::buttonsCommandTheWindow()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     bar->updateWidgetFlags();
 
     QTest::mouseClick(data().m_maximizeButton, Qt::LeftButton);
@@ -209,7 +218,7 @@ void tst_FancyTitleBarWindow::buttonsCommandTheWindow()
 
 void tst_FancyTitleBarWindow::menuCommandsTheWindow()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
     const QSignalSpy clicked(data().m_maximizeButton, &FancyButton::clicked);
 
@@ -232,7 +241,7 @@ void tst_FancyTitleBarWindow::menuCommandsTheWindow()
 
 void tst_FancyTitleBarWindow::closeOnlyAsks()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
 
     QTest::mouseClick(data().m_closeButton, Qt::LeftButton);
@@ -251,7 +260,7 @@ void tst_FancyTitleBarWindow::closeOnlyAsks()
 
 void tst_FancyTitleBarWindow::otherSendersClickNothing()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     const QSignalSpy closeClicked(bar, &FancyTitleBar::closeClicked);
     FancyButton other(nullptr);
     connect(&other, &FancyButton::clicked, &data(), &FancyTitleBarPrivate::slotSysButtonClicked);
@@ -271,7 +280,7 @@ void tst_FancyTitleBarWindow::otherSendersClickNothing()
 
 void tst_FancyTitleBarWindow::widgetOperationsEmitResizable()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     const QSignalSpy resizable(bar, &FancyTitleBar::windowResizable);
     data().maximize();
     data().restore();
@@ -300,7 +309,7 @@ void tst_FancyTitleBarWindow::widgetOperationsEmitResizable()
 
 void tst_FancyTitleBarWindow::systemMenuOpensAtTheButtonsCorner()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     FancyButton opener(window.data());
     opener.setHasMenu(true);
     opener.setGeometry(20, 10, 40, 25);
@@ -325,7 +334,7 @@ void tst_FancyTitleBarWindow::systemMenuOpensAtTheButtonsCorner()
 
 void tst_FancyTitleBarWindow::systemMenuStaysClosed()
 {
-    create(WithBoth);
+    QVERIFY(create(WithBoth));
     QMouseEvent press(QEvent::MouseButtonPress, QPointF(1, 1), Qt::LeftButton, Qt::LeftButton,
                       Qt::NoModifier);
     data().systemMenuTriggered(&press);

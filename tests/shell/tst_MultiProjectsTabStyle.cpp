@@ -106,21 +106,34 @@ void tst_MultiProjectsTabStyle::width_data()
     const QStringList pair = {wide(1), wide(1)};
     const QStringList longOnes = {wide(31), wide(31), wide(31)};
 
-    QTest::newRow("no text") << QStringList(QString()) << false << 5000 << 80;
-    QTest::newRow("short") << pair << false << 5000 << 80;
-    QTest::newRow("widest") << QStringList {wide(3), wide(20), wide(9)} << false << 5000 << twenty;
-    QTest::newRow("with icons") << QStringList(wide(20)) << true << 5000 << twenty + icon;
-    QTest::newRow("mnemonic") << QStringList(QLatin1Char('&') + wide(20)) << false << 5000
-                              << twenty;
-    QTest::newRow("thirty") << QStringList(wide(30)) << false << 5000 << thirty;
-    QTest::newRow("thirty-one") << QStringList(wide(31)) << false << 5000 << thirty;
-    QTest::newRow("thirty-one, icon") << QStringList(wide(31)) << true << 5000 << thirty + icon;
-    QTest::newRow("even share, cut off") << longOnes << false << 500 << 166;
-    QTest::newRow("share below 80") << pair << false << 151 << 75;
-    QTest::newRow("share of 80") << pair << false << 161 << 80;
-    QTest::newRow("no less than three") << longOnes << false << 100 << three;
-    QTest::newRow("no less than three, icon") << longOnes << true << 100 << three + icon;
-    QTest::newRow("parent without width") << pair << false << 0 << three;
+    QTest::newRow("no text") << QStringList(QString()) << /*haveIcons*/ false
+                             << /*parentWidth*/ 5000 << /*expected*/ 80;
+    QTest::newRow("short") << pair << /*haveIcons*/ false << /*parentWidth*/ 5000
+                           << /*expected*/ 80;
+    QTest::newRow("widest") << QStringList {wide(3), wide(20), wide(9)} << /*haveIcons*/ false
+                            << /*parentWidth*/ 5000 << /*expected*/ twenty;
+    QTest::newRow("with icons") << QStringList(wide(20)) << /*haveIcons*/ true
+                                << /*parentWidth*/ 5000 << /*expected*/ twenty + icon;
+    QTest::newRow("mnemonic") << QStringList(QLatin1Char('&') + wide(20)) << /*haveIcons*/ false
+                              << /*parentWidth*/ 5000 << /*expected*/ twenty;
+    QTest::newRow("thirty") << QStringList(wide(30)) << /*haveIcons*/ false << /*parentWidth*/ 5000
+                            << /*expected*/ thirty;
+    QTest::newRow("thirty-one") << QStringList(wide(31)) << /*haveIcons*/ false
+                                << /*parentWidth*/ 5000 << /*expected*/ thirty;
+    QTest::newRow("thirty-one, icon") << QStringList(wide(31)) << /*haveIcons*/ true
+                                      << /*parentWidth*/ 5000 << /*expected*/ thirty + icon;
+    QTest::newRow("even share, cut off")
+            << longOnes << /*haveIcons*/ false << /*parentWidth*/ 500 << /*expected*/ 166;
+    QTest::newRow("share below 80")
+            << pair << /*haveIcons*/ false << /*parentWidth*/ 151 << /*expected*/ 75;
+    QTest::newRow("share of 80") << pair << /*haveIcons*/ false << /*parentWidth*/ 161
+                                 << /*expected*/ 80;
+    QTest::newRow("no less than three")
+            << longOnes << /*haveIcons*/ false << /*parentWidth*/ 100 << /*expected*/ three;
+    QTest::newRow("no less than three, icon")
+            << longOnes << /*haveIcons*/ true << /*parentWidth*/ 100 << /*expected*/ three + icon;
+    QTest::newRow("parent without width")
+            << pair << /*haveIcons*/ false << /*parentWidth*/ 0 << /*expected*/ three;
 }
 
 void tst_MultiProjectsTabStyle::width()

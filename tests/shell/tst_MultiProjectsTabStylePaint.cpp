@@ -132,12 +132,15 @@ void tst_MultiProjectsTabStylePaint::shape_data()
 
     const int selected = QStyle::State_Selected;
     const int hovered = QStyle::State_MouseOver;
-    QTest::newRow("plain") << 0 << true << Plain << 0;
-    QTest::newRow("hovered") << hovered << true << Hover << 4;
-    QTest::newRow("selected") << selected << true << White << 0;
-    QTest::newRow("selected, hovered") << (selected | hovered) << true << White << 0;
-    QTest::newRow("not actived, selected") << selected << false << Plain << 0;
-    QTest::newRow("not actived, both") << (selected | hovered) << false << Hover << 4;
+    QTest::newRow("plain") << 0 << /*isActived*/ true << Plain << /*inset*/ 0;
+    QTest::newRow("hovered") << hovered << /*isActived*/ true << Hover << /*inset*/ 4;
+    QTest::newRow("selected") << selected << /*isActived*/ true << White << /*inset*/ 0;
+    QTest::newRow("selected, hovered")
+            << (selected | hovered) << /*isActived*/ true << White << /*inset*/ 0;
+    QTest::newRow("not actived, selected")
+            << selected << /*isActived*/ false << Plain << /*inset*/ 0;
+    QTest::newRow("not actived, both")
+            << (selected | hovered) << /*isActived*/ false << Hover << /*inset*/ 4;
 }
 
 void tst_MultiProjectsTabStylePaint::shape()
@@ -246,11 +249,15 @@ void tst_MultiProjectsTabStylePaint::text_data()
 
     const QString brief = QStringLiteral("M&i");
     const int selected = QStyle::State_Selected;
-    QTest::newRow("plain") << brief << 0 << true << Black << false;
-    QTest::newRow("hovered") << brief << int(QStyle::State_MouseOver) << true << Black << false;
-    QTest::newRow("selected") << brief << selected << true << Blue << false;
-    QTest::newRow("not actived") << brief << selected << false << Black << false;
-    QTest::newRow("too long") << QStringLiteral("beginning and end") << 0 << true << Black << true;
+    QTest::newRow("plain") << brief << 0 << /*isActived*/ true << Black << /*isElided*/ false;
+    QTest::newRow("hovered") << brief << int(QStyle::State_MouseOver) << /*isActived*/ true << Black
+                             << /*isElided*/ false;
+    QTest::newRow("selected") << brief << selected << /*isActived*/ true << Blue
+                              << /*isElided*/ false;
+    QTest::newRow("not actived") << brief << selected << /*isActived*/ false << Black
+                                 << /*isElided*/ false;
+    QTest::newRow("too long") << QStringLiteral("beginning and end") << 0 << /*isActived*/ true
+                              << Black << /*isElided*/ true;
 }
 
 void tst_MultiProjectsTabStylePaint::text()

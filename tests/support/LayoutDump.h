@@ -6,15 +6,15 @@
 class QWidget;
 
 /*!
-    Whether \a form is what the text file \a file holds, whose path starts from tests/. Where it isn't,
-    a unified diff is logged; with PANEL_TEST_WRITE_DUMPS in the environment the file is then written
-    anew, to be looked at with git diff, and the test fails this once.
+    Whether \a form is what the text file \a file holds, whose path starts from tests/. Where it
+    isn't, a unified diff is logged; with PANEL_TEST_WRITE_DUMPS in the environment the file is then
+    written anew, to be looked at with git diff, and the test fails this once.
 
     The file holds the size of the form, its own properties, then its layout tree, a line an item,
-    indented by depth, with class and object name of layouts and widgets and with size and policies of
-    spacers. Only what differs from a fresh layout or widget stands after a name: of a layout its
-    spacing and contents margins, of an item its stretch and alignment, of a widget all of its stored
-    properties but icons, fonts and palettes, and that it is hidden.
+    indented by depth, with class and object name of layouts and widgets and with size and policies
+    of spacers. Only what differs from a fresh layout or widget stands after a name: of a layout its
+    spacing and contents margins, of an item its stretch and alignment, of a widget all of its
+    stored properties but icons, fonts and palettes, and that it is hidden.
 */
 bool matchesDump(const QWidget &form, const QString &file);
 

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QSettings>
 #include <QTest>
 
 namespace {
@@ -269,7 +270,12 @@ void tst_WindowManagers::tellsTaskBarsWhatItIs()
         return windowProperty(window, QLatin1String(name));
     };
     QCOMPARE(property("_NET_WM_NAME"), QStringLiteral("\"朔川统一服务\""));
-    QCOMPARE(property("WM_CLASS"), QStringLiteral("\"corvane-panel\", \"corvane-panel\""));
+    // Task bars take the window for the desktop entry's by its class, which is the second name.
+    const QSettings entry(QStringLiteral(PANEL_DESKTOP_ENTRY), QSettings::IniFormat);
+    const auto expectedClass =
+            entry.value(QStringLiteral("Desktop Entry/StartupWMClass")).toString();
+    QCOMPARE(property("WM_CLASS").section(QStringLiteral(", "), -1),
+             QStringLiteral("\"%1\"").arg(expectedClass));
     QCOMPARE(property("_NET_WM_PID"), QString::number(m_panel->pid()));
     QCOMPARE(property("_NET_WM_WINDOW_TYPE").section(QStringLiteral(", "), -1),
              QStringLiteral("_NET_WM_WINDOW_TYPE_NORMAL"));

@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/pixels.h"
 #include "tests/support/waits.h"
 
 #include <QAction>
@@ -126,9 +127,7 @@ void tst_FancyBarControls::missingControlsAndRowsAreIgnored()
 
 void tst_FancyBarControls::buttonShowsItsAction()
 {
-    QPixmap pixmap(16, 16);
-    pixmap.fill(Qt::red);
-    action->setIcon(pixmap);
+    action->setIcon(filledPixmap(Qt::red, 16));
     action->setToolTip(QStringLiteral("Tip"));
 
     FancyButton *button = bar->addAdditionalControl(action.data(), FancyBar::TitlePosition, 9);

@@ -1,10 +1,10 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/pixels.h"
 #include "tests/support/waits.h"
 
 #include <QAction>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -97,7 +97,7 @@ void tst_FancyButtonEvents::init()
 QRgb tst_FancyButtonEvents::centre() const
 {
     const QPoint position = window->mapToGlobal(ButtonPosition + Inside);
-    return window->screen()->grabWindow(0, position.x(), position.y(), 1, 1).toImage().pixel(0, 0);
+    return screenshot(QRect(position, QSize(1, 1))).pixel(0, 0);
 }
 
 void tst_FancyButtonEvents::realPointerBringsAndTakesTheHoverColor_data()

@@ -1,4 +1,5 @@
 #include "tests/fancy/privates.h"
+#include "tests/support/pixels.h"
 #include "tests/support/waits.h"
 
 #include <QAction>
@@ -75,8 +76,6 @@ private:
     static QImage imageOf(QWidget &widget, QWidget::RenderFlags flags = {});
     static QImage windowBackdrop();
     QImage imageAt(const QPoint &place);
-    static QPixmap checkered(const QSize &size);
-    static QPixmap filled(const QColor &color, int size = 64);
 
     QScopedPointer<QWidget> window;
     FancyButton *button = nullptr;
@@ -128,25 +127,6 @@ QImage tst_FancyButtonPaint::imageAt(const QPoint &place)
     QImage image = imageOf(*window, QWidget::DrawChildren);
     image.setDevicePixelRatio(1);
     return image;
-}
-
-// Neighbouring pixels differ as much as can be: any scaling or shift shows.
-QPixmap tst_FancyButtonPaint::checkered(const QSize &size)
-{
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, (x + y) % 2 == 0 ? qRgb(255, 255, 0) : qRgb(0, 0, 128));
-    }
-    image.setPixel(0, 0, qRgb(255, 0, 0));
-    return QPixmap::fromImage(image);
-}
-
-QPixmap tst_FancyButtonPaint::filled(const QColor &color, int size)
-{
-    QPixmap pixmap(size, size);
-    pixmap.fill(color);
-    return pixmap;
 }
 
 void tst_FancyButtonPaint::fillsTheWholeButton_data()
@@ -265,7 +245,7 @@ void tst_FancyButtonPaint::iconIsCentredAndSharp()
     QFETCH(bool, highDpiPixmaps);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, highDpiPixmaps);
     const qreal ratio = qApp->devicePixelRatio();
-    const QPixmap exact = checkered((QSizeF(iconSize) * ratio).toSize());
+    const QPixmap exact = checkeredPixmap((QSizeF(iconSize) * ratio).toSize());
     QIcon icon(exact);
     icon.addPixmap(QPixmap(exact.size() * 2));
     button->setFixedSize(buttonSize);
@@ -290,7 +270,7 @@ void tst_FancyButtonPaint::smallIconIsDrawnOnceAtTheIconSize()
 {
     const QColor veil(255, 0, 0, 102);
     button->setIconSize(QSize(16, 16));
-    button->setIcon(filled(veil, 4));
+    button->setIcon(filledPixmap(veil, 4));
 
     QImage expected = backdrop();
     QPainter painter(&expected);
@@ -319,9 +299,9 @@ void tst_FancyButtonPaint::smallIconIsScaledSmoothly()
 
 void tst_FancyButtonPaint::iconIsTheNormalOneAlsoWhenDisabledOrChecked()
 {
-    QIcon icon(filled(Qt::red));
-    icon.addPixmap(filled(Qt::blue), QIcon::Disabled);
-    icon.addPixmap(filled(Qt::blue), QIcon::Normal, QIcon::On);
+    QIcon icon(filledPixmap(Qt::red, 64));
+    icon.addPixmap(filledPixmap(Qt::blue, 64), QIcon::Disabled);
+    icon.addPixmap(filledPixmap(Qt::blue, 64), QIcon::Normal, QIcon::On);
     button->setIconSize(QSize(16, 16));
     button->setIcon(icon);
     button->setCheckable(true);
@@ -352,7 +332,7 @@ void tst_FancyButtonPaint::iconIsPaintedUnlessItsSizeIsEmpty()
 {
     QFETCH(QSize, iconSize);
     QFETCH(bool, paints);
-    button->setIcon(filled(Qt::red));
+    button->setIcon(filledPixmap(Qt::red, 64));
     button->setIconSize(iconSize);
 
     QCOMPARE(imageOf(*button) != backdrop(), paints);
@@ -417,7 +397,7 @@ void tst_FancyButtonPaint::textLooksAsTheBasePaintsIt()
         each->setChecked(checked);
     }
     if (icon)
-        button->setIcon(filled(Qt::transparent, 16));
+        button->setIcon(filledPixmap(Qt::transparent, 16));
     const QImage expected = imageOf(iconless);
 
     QCOMPARE(imageOf(*button), expected);
@@ -430,7 +410,7 @@ void tst_FancyButtonPaint::stylesAreAskedForTheText()
 {
     auto *style = new RecordingStyle(QStringLiteral("fusion"));
     QApplication::setStyle(style);
-    button->setIcon(checkered(QSize(16, 16)));
+    button->setIcon(checkeredPixmap(QSize(16, 16)));
 
     imageOf(*button);
     QCOMPARE(style->labels, QVector<Qt::ToolButtonStyle>({Qt::ToolButtonIconOnly}));

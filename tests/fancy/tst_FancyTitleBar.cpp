@@ -1,6 +1,7 @@
 #include "tests/fancy/privates.h"
 #include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
+#include "tests/support/pixels.h"
 
 #include <QAction>
 #include <QFrame>
@@ -27,13 +28,6 @@ QImage imageOf(const QIcon &icon)
 QImage resourceImage(const QString &name)
 {
     return imageOf(QIcon(QStringLiteral(":/client/resources/%1.svg").arg(name)));
-}
-
-QIcon filled(Qt::GlobalColor color)
-{
-    QPixmap pixmap(16, 16);
-    pixmap.fill(color);
-    return {pixmap};
 }
 } // namespace
 
@@ -225,7 +219,7 @@ void tst_FancyTitleBar::isInertWithoutAWindow()
 {
     FancyTitleBar inert(nullptr);
     FancyTitleBarPrivate &d = *TitleBarData::of(inert);
-    QIcon icon = filled(Qt::red);
+    QIcon icon(filledPixmap(Qt::red, 16));
 
     inert.setNormalIcon(icon);
     inert.setCloseIcon(icon);
@@ -271,7 +265,7 @@ void tst_FancyTitleBar::iconSettersSetTheButtonOnly()
     QFETCH(IconSetter, set);
     QFETCH(ButtonField, button);
     QFETCH(IconField, stored);
-    QIcon icon = filled(Qt::red);
+    QIcon icon(filledPixmap(Qt::red, 16));
     const qint64 light = (data().*stored)[0].cacheKey();
     const qint64 dark = (data().*stored)[1].cacheKey();
 
@@ -288,7 +282,7 @@ void tst_FancyTitleBar::iconSettersSetTheButtonOnly()
 
 void tst_FancyTitleBar::normalIconIsStoredAndShown()
 {
-    QIcon red = filled(Qt::red);
+    QIcon red(filledPixmap(Qt::red, 16));
     bar->setNormalIcon(red);
     QCOMPARE(data().m_normalIcon[0].cacheKey(), red.cacheKey());
     QCOMPARE(imageOf(data().m_normalIcon[1]), resourceImage("restore"));
@@ -296,7 +290,7 @@ void tst_FancyTitleBar::normalIconIsStoredAndShown()
 
     window->setWindowState(Qt::WindowMaximized);
     const qint64 shown = data().m_maximizeButton->icon().cacheKey();
-    QIcon blue = filled(Qt::blue);
+    QIcon blue(filledPixmap(Qt::blue, 16));
     bar->setNormalIcon(blue);
     QCOMPARE(data().m_normalIcon[0].cacheKey(), blue.cacheKey());
     QCOMPARE(data().m_maximizeButton->icon().cacheKey(), shown);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "shell/MultiProjectsTabStyle.h"
+#include "tests/support/pixels.h"
 
 #include <QIcon>
-#include <QPixmap>
 #include <QStyleFactory>
 #include <QStyleOptionTab>
 #include <QTabBar>
@@ -78,8 +78,6 @@ struct Bar
 
     void addTab(const QString &text, bool hasIcon = false)
     {
-        QPixmap pixmap(16, 16);
-        pixmap.fill(Qt::red);
-        bar->addTab(hasIcon ? QIcon(pixmap) : QIcon(), text);
+        bar->addTab(hasIcon ? QIcon(filledPixmap(Qt::red, 16)) : QIcon(), text);
     }
 };

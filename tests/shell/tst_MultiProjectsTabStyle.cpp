@@ -26,6 +26,8 @@ class tst_MultiProjectsTabStyle : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
+
     void asksForEachTab();
     void switchesHoveringBesideTheBase();
     void width_data();
@@ -35,6 +37,14 @@ private slots:
     void widthWithoutTabs();
     void sizes();
 };
+
+// What the tables of widths count on.
+void tst_MultiProjectsTabStyle::initTestCase()
+{
+    const int character = textWidth(wide(1));
+    QCOMPARE(textWidth(wide(30)), 30 * character);
+    QVERIFY(3 * character + HSpace < 75);
+}
 
 void tst_MultiProjectsTabStyle::asksForEachTab()
 {
@@ -97,43 +107,33 @@ void tst_MultiProjectsTabStyle::width_data()
     QTest::addColumn<int>("expected");
 
     const int character = textWidth(wide(1));
-    QCOMPARE(textWidth(wide(30)), 30 * character);
     const int three = 3 * character + HSpace;
-    QVERIFY(three < 75);
     const int twenty = 20 * character + HSpace;
     const int thirty = 30 * character + HSpace;
     const int icon = 20 + 4;
+    const bool plain = false;
+    const bool withIcons = true;
+    // More than the widest tabs need.
+    const int ample = 5000;
     const QStringList pair = {wide(1), wide(1)};
     const QStringList longOnes = {wide(31), wide(31), wide(31)};
 
-    QTest::newRow("no text") << QStringList(QString()) << /*haveIcons*/ false
-                             << /*parentWidth*/ 5000 << /*expected*/ 80;
-    QTest::newRow("short") << pair << /*haveIcons*/ false << /*parentWidth*/ 5000
-                           << /*expected*/ 80;
-    QTest::newRow("widest") << QStringList {wide(3), wide(20), wide(9)} << /*haveIcons*/ false
-                            << /*parentWidth*/ 5000 << /*expected*/ twenty;
-    QTest::newRow("with icons") << QStringList(wide(20)) << /*haveIcons*/ true
-                                << /*parentWidth*/ 5000 << /*expected*/ twenty + icon;
-    QTest::newRow("mnemonic") << QStringList(QLatin1Char('&') + wide(20)) << /*haveIcons*/ false
-                              << /*parentWidth*/ 5000 << /*expected*/ twenty;
-    QTest::newRow("thirty") << QStringList(wide(30)) << /*haveIcons*/ false << /*parentWidth*/ 5000
-                            << /*expected*/ thirty;
-    QTest::newRow("thirty-one") << QStringList(wide(31)) << /*haveIcons*/ false
-                                << /*parentWidth*/ 5000 << /*expected*/ thirty;
-    QTest::newRow("thirty-one, icon") << QStringList(wide(31)) << /*haveIcons*/ true
-                                      << /*parentWidth*/ 5000 << /*expected*/ thirty + icon;
-    QTest::newRow("even share, cut off")
-            << longOnes << /*haveIcons*/ false << /*parentWidth*/ 500 << /*expected*/ 166;
-    QTest::newRow("share below 80")
-            << pair << /*haveIcons*/ false << /*parentWidth*/ 151 << /*expected*/ 75;
-    QTest::newRow("share of 80") << pair << /*haveIcons*/ false << /*parentWidth*/ 161
-                                 << /*expected*/ 80;
-    QTest::newRow("no less than three")
-            << longOnes << /*haveIcons*/ false << /*parentWidth*/ 100 << /*expected*/ three;
-    QTest::newRow("no less than three, icon")
-            << longOnes << /*haveIcons*/ true << /*parentWidth*/ 100 << /*expected*/ three + icon;
-    QTest::newRow("parent without width")
-            << pair << /*haveIcons*/ false << /*parentWidth*/ 0 << /*expected*/ three;
+    QTest::newRow("no text") << QStringList(QString()) << plain << ample << 80;
+    QTest::newRow("short") << pair << plain << ample << 80;
+    QTest::newRow("widest") << QStringList {wide(3), wide(20), wide(9)} << plain << ample << twenty;
+    QTest::newRow("with icons") << QStringList(wide(20)) << withIcons << ample << twenty + icon;
+    QTest::newRow("mnemonic") << QStringList(QLatin1Char('&') + wide(20)) << plain << ample
+                              << twenty;
+    QTest::newRow("thirty") << QStringList(wide(30)) << plain << ample << thirty;
+    QTest::newRow("thirty-one") << QStringList(wide(31)) << plain << ample << thirty;
+    QTest::newRow("thirty-one, icon")
+            << QStringList(wide(31)) << withIcons << ample << thirty + icon;
+    QTest::newRow("even share, cut off") << longOnes << plain << 500 << 166;
+    QTest::newRow("share below 80") << pair << plain << 151 << 75;
+    QTest::newRow("share of 80") << pair << plain << 161 << 80;
+    QTest::newRow("no less than three") << longOnes << plain << 100 << three;
+    QTest::newRow("no less than three, icon") << longOnes << withIcons << 100 << three + icon;
+    QTest::newRow("parent without width") << pair << plain << 0 << three;
 }
 
 void tst_MultiProjectsTabStyle::width()

@@ -36,10 +36,13 @@ QIcon tellTaleIcon(const QSize &size)
     QPixmap wrong(size);
     wrong.fill(Qt::blue);
     QIcon result;
-    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled, QIcon::Active, QIcon::Selected})
-        for (const QIcon::State state : {QIcon::On, QIcon::Off})
-            result.addPixmap(mode == QIcon::Normal && state == QIcon::Off ? right : wrong, mode,
-                             state);
+    for (const QIcon::Mode mode :
+         {QIcon::Normal, QIcon::Disabled, QIcon::Active, QIcon::Selected}) {
+        for (const QIcon::State state : {QIcon::On, QIcon::Off}) {
+            const bool isRight = mode == QIcon::Normal && state == QIcon::Off;
+            result.addPixmap(isRight ? right : wrong, mode, state);
+        }
+    }
     return result;
 }
 
@@ -66,12 +69,7 @@ QImage drawing(Draw draw)
 //! The smallest rectangle that holds every pixel of \a color.
 QRect boundsOf(const QImage &image, QRgb color)
 {
-    QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixel(x, y) == color)
-                bounds |= QRect(x, y, 1, 1);
-    return bounds;
+    return pixelsThat(image, [color](QRgb pixel) { return pixel == color; }).boundingRect();
 }
 
 } // namespace
@@ -206,22 +204,19 @@ void tst_MultiProjectsTabStylePaint::iconPlace()
     QCOMPARE(boundsOf(image, qRgb(0, 0, 255)), QRect());
 }
 
-// Runs once more on a denser screen. Neighbouring pixels of the icon differ: any scaling shows.
+// Runs once more on a denser screen.
 void tst_MultiProjectsTabStylePaint::iconIsSharp()
 {
     const qreal ratio = qApp->devicePixelRatio();
     QCOMPARE(ratio, qEnvironmentVariableIsSet("QT_SCALE_FACTOR")
                             ? qgetenv("QT_SCALE_FACTOR").toDouble()
                             : 1.0);
-    QImage checkered((QSizeF(16, 16) * ratio).toSize(), QImage::Format_RGB32);
-    for (int y = 0; y < checkered.height(); ++y)
-        for (int x = 0; x < checkered.width(); ++x)
-            checkered.setPixel(x, y, (x + y) % 2 == 0 ? White : Blue);
+    const QPixmap checkered = checkeredPixmap((QSizeF(16, 16) * ratio).toSize());
     Bar bar;
     QStyleOptionTab option = tabOption(QStyle::State_None);
     option.rect = QRect(10, 0, 120, 32);
     option.text.clear();
-    option.icon = QIcon(QPixmap::fromImage(checkered));
+    option.icon = QIcon(checkered);
     option.icon.addPixmap(QPixmap(checkered.size() * 2));
     option.icon.addPixmap(QPixmap(checkered.size() / 2));
 
@@ -236,7 +231,8 @@ void tst_MultiProjectsTabStylePaint::iconIsSharp()
 
     image.setDevicePixelRatio(1);
     const QPoint corner = QPoint(18, 8) * ratio;
-    QCOMPARE(image.copy(QRect(corner, checkered.size())), checkered);
+    QCOMPARE(image.copy(QRect(corner, checkered.size())),
+             checkered.toImage().convertToFormat(image.format()));
 }
 
 void tst_MultiProjectsTabStylePaint::text_data()
@@ -294,20 +290,20 @@ void tst_MultiProjectsTabStylePaint::restoresThePainter()
 {
     Bar bar;
     const QStyleOptionTab option = tabOption(QStyle::State_Selected);
-    drawing([&](QPainter *painter) {
-        const QPen pen(Qt::red, 3);
-        const QBrush brush(Qt::blue, Qt::Dense3Pattern);
-        painter->setPen(pen);
-        painter->setBrush(brush);
-        painter->setFont(QFont(QStringLiteral("monospace"), 30));
-        const QFont font = painter->font();
-        for (const auto element : {QStyle::CE_TabBarTabShape, QStyle::CE_TabBarTabLabel}) {
-            bar.style.drawControl(element, &option, painter);
-            QCOMPARE(painter->pen(), pen);
-            QCOMPARE(painter->brush(), brush);
-            QCOMPARE(painter->font(), font);
-        }
-    });
+    QImage image(TabRect.size() * 2, QImage::Format_RGB32);
+    QPainter painter(&image);
+    const QPen pen(Qt::red, 3);
+    const QBrush brush(Qt::blue, Qt::Dense3Pattern);
+    painter.setPen(pen);
+    painter.setBrush(brush);
+    painter.setFont(QFont(QStringLiteral("monospace"), 30));
+    const QFont font = painter.font();
+    for (const auto element : {QStyle::CE_TabBarTabShape, QStyle::CE_TabBarTabLabel}) {
+        bar.style.drawControl(element, &option, &painter);
+        QCOMPARE(painter.pen(), pen);
+        QCOMPARE(painter.brush(), brush);
+        QCOMPARE(painter.font(), font);
+    }
 }
 
 QTEST_MAIN(tst_MultiProjectsTabStylePaint)

@@ -10,7 +10,6 @@
 #include "tests/support/PrivateMember.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/waits.h"
-#include "ui_ServiceContainer.h"
 
 #include <QWKWidgets/widgetwindowagent.h>
 
@@ -56,7 +55,6 @@ private slots:
     void form();
     void titleIsTranslatable();
     void window();
-    void layout();
     void strip();
     void header();
     void pages();
@@ -67,7 +65,7 @@ private slots:
     void stopsWithoutATitleBar();
 
 private:
-    void show();
+    bool show();
     QStackedWidget *stack() const;
 
     std::unique_ptr<ShimFolder> m_shims;
@@ -87,10 +85,11 @@ void tst_ServiceContainer::cleanup()
     m_shims.reset();
 }
 
-void tst_ServiceContainer::show()
+//! Whether the window is on the screen then.
+bool tst_ServiceContainer::show()
 {
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), WindowTimeoutMs));
+    return QTest::qWaitForWindowExposed(m_window.get(), WindowTimeoutMs);
 }
 
 QStackedWidget *tst_ServiceContainer::stack() const
@@ -108,20 +107,17 @@ void tst_ServiceContainer::titleIsTranslatable()
     AskingTranslator translator;
     QVERIFY(QCoreApplication::installTranslator(&translator));
     const ServiceContainer window;
-    QCOMPARE(window.windowTitle(), QStringLiteral("ServiceContainer|朔川统一服务|"));
+    QCOMPARE(window.windowTitle(),
+             QStringLiteral("ServiceContainer|%1|").arg(m_window->windowTitle()));
 }
 
 void tst_ServiceContainer::window()
 {
-    QCOMPARE(m_window->objectName(), QStringLiteral("ServiceContainer"));
     QCOMPARE(m_window->parent(), nullptr);
-    QCOMPARE(m_window->size(), QSize(800, 600));
-    QCOMPARE(m_window->minimumSize(), QSize(800, 600));
-    QCOMPARE(m_window->maximumSize(), QSize(800, 600));
-
     QCOMPARE(m_window->windowFlags(), QWidget().windowFlags() | Qt::FramelessWindowHint);
     QWidget parent;
     const ServiceContainer child(&parent);
+    QCOMPARE(child.parent(), &parent);
     QCOMPARE(child.windowFlags(), QWidget(&parent).windowFlags() | Qt::FramelessWindowHint);
 
     const QMetaObject &meta = ServiceContainer::staticMetaObject;
@@ -131,26 +127,10 @@ void tst_ServiceContainer::window()
     QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Slot);
 }
 
-void tst_ServiceContainer::layout()
-{
-    show();
-    const auto *box = qobject_cast<QBoxLayout *>(m_window->layout());
-    QCOMPARE(box->count(), 2);
-    QCOMPARE(box->stretch(0), 0);
-    QCOMPARE(box->itemAt(0)->widget(), m_window->findChild<FancyBar *>());
-    QCOMPARE(box->itemAt(0)->alignment(), Qt::Alignment());
-    QCOMPARE(box->itemAt(0)->geometry(), QRect(0, 0, 800, 32));
-    QCOMPARE(box->itemAt(1)->widget(), stack());
-    QCOMPARE(stack()->geometry(), QRect(0, 32, 800, 568));
-}
-
 void tst_ServiceContainer::strip()
 {
     auto *bar = m_window->findChild<FancyBar *>();
-    QCOMPARE(bar->objectName(), QStringLiteral("fancy_titlebar"));
     QCOMPARE(bar->parent(), m_window.get());
-    QCOMPARE(bar->minimumHeight(), 32);
-    QCOMPARE(bar->maximumHeight(), 32);
     QCOMPARE(BarPrivate::of(*bar)->m_menuTextColor, QColor(0, 0, 0, 255));
     QCOMPARE(bar->titleBar()->mainWidget(), m_window.get());
 }
@@ -165,7 +145,7 @@ void tst_ServiceContainer::header()
     QCOMPARE(area->itemAt(0)->sizeHint(), QSize(0, 0));
     QCOMPARE(area->itemAt(1)->widget(), tab);
 
-    show();
+    QVERIFY(show());
     QCOMPARE(tab->mapTo(m_window.get(), QPoint(0, 0)), QPoint(0, 0));
     QCOMPARE(tab->size(), QSize(750 - 1, 32));
 }
@@ -188,24 +168,21 @@ void tst_ServiceContainer::agent()
     QVERIFY(!qobject_cast<QWK::WidgetWindowAgent *>(agents.first())->setup(&other));
 
     // It asks the window, and the window asks its tab header.
-    show();
-    const QSize tabs = m_window->findChild<QTabWidget *>()->size();
-    const QList<QPair<QPoint, bool>> points = {
-            {{0, 0}, false},           {{tabs.width() - 1, tabs.height() - 1}, false},
-            {{tabs.width(), 0}, true}, {{0, tabs.height()}, true},
-            {{748, 31}, true},         {{749, 31}, false},
-            {{748, 32}, false},        {{400, 300}, false},
-    };
-    for (const auto &[point, mayDrag] : points) {
-        const bool answer = emit agents.first()->inTitleBarDraggableArea(point);
-        QCOMPARE(answer, mayDrag);
-        QCOMPARE(m_window->inTitleBarDraggableArea(point), mayDrag);
-    }
+    QVERIFY(show());
+    const auto *tab = m_window->findChild<TabTitle *>();
+    const QPoint onTheHiddenTabs(0, 0);
+    const QPoint besideThem(400, 16);
+    QVERIFY(!tab->inDragArea(onTheHiddenTabs));
+    QVERIFY(!m_window->inTitleBarDraggableArea(onTheHiddenTabs));
+    QVERIFY(!emit agents.first()->inTitleBarDraggableArea(onTheHiddenTabs));
+    QVERIFY(tab->inDragArea(besideThem));
+    QVERIFY(m_window->inTitleBarDraggableArea(besideThem));
+    QVERIFY(emit agents.first()->inTitleBarDraggableArea(besideThem));
 }
 
 void tst_ServiceContainer::tabsChooseThePageWhenShown()
 {
-    show();
+    QVERIFY(show());
     QVERIFY(m_window->findChild<QTabWidget *>()->isHidden());
     m_window->findChild<TabTitle *>()->showTabWidget(true);
     auto *bar = m_window->findChild<QTabBar *>();
@@ -221,7 +198,7 @@ void tst_ServiceContainer::tabsChooseThePageWhenShown()
 
 void tst_ServiceContainer::closeButtonClosesTheWindow()
 {
-    show();
+    QVERIFY(show());
     const auto buttons = m_window->findChildren<QToolButton *>();
     const auto found = std::find_if(buttons.begin(), buttons.end(), [](const QToolButton *button) {
         return button->isVisible() && button->toolTip() == QStringLiteral("关闭");
@@ -237,7 +214,7 @@ void tst_ServiceContainer::closeButtonClosesTheWindow()
 
 void tst_ServiceContainer::stripIsPaintedInItsColours()
 {
-    show();
+    QVERIFY(show());
     const QImage image = m_window->grab().toImage();
     QCOMPARE(image.pixelColor(400, 16), QColor(216, 217, 218));
     QCOMPARE(image.pixelColor(760, 4), QColor(216, 217, 218));

@@ -147,3 +147,22 @@ QString waitForColors(const QRect &part, const QVector<QRgb> &colors, int timeou
     return QStringLiteral("no %1, but %2")
             .arg(missing.join(QStringLiteral(" and ")), colorsOf(shown));
 }
+
+QPixmap filledPixmap(const QColor &color, int side)
+{
+    QPixmap pixmap(side, side);
+    pixmap.fill(color);
+    return pixmap;
+}
+
+QPixmap checkeredPixmap(const QSize &size)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, (x + y) % 2 == 0 ? qRgb(255, 255, 0) : qRgb(0, 0, 128));
+    }
+    // One corner differs from the others.
+    image.setPixel(0, 0, qRgb(255, 0, 0));
+    return QPixmap::fromImage(image);
+}

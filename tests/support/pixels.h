@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QPixmap>
 #include <QRect>
 #include <QRegion>
 #include <QString>
@@ -68,3 +69,8 @@ QString colorsOf(const QImage &image);
     then; else, after \a timeoutMs milliseconds, which colours are missing and which were found.
 */
 QString waitForColors(const QRect &part, const QVector<QRgb> &colors, int timeoutMs = 5000);
+
+//! A square of one colour.
+QPixmap filledPixmap(const QColor &color, int side);
+//! Neighbouring pixels differ as much as can be, so any scaling or shift shows.
+QPixmap checkeredPixmap(const QSize &size);

@@ -62,8 +62,10 @@ if(PANEL_HARDENING)
         endif()
     endif()
     # CMake's own way links with -fPIE, and link-time optimisation would take that in place of the
-    # -fPIC that Qt's targets bring: the panel would crash when it starts.
-    target_link_options(panel_options INTERFACE -pie LINKER:-z,relro LINKER:-z,now)
+    # -fPIC that Qt's targets bring: the panel would crash when it starts. A linker may refuse
+    # to make a shared object with -pie.
+    target_link_options(panel_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie> LINKER:-z,relro LINKER:-z,now)
 endif()
 
 if(PANEL_SANITIZE)

@@ -7,7 +7,6 @@ PANEL has the stand-in daemon beside it. Ends with 0 only where everything has i
 its values, the stop of the daemon shows, and the buttons can be pressed.
 """
 
-import getpass
 import os
 import re
 import signal
@@ -159,7 +158,9 @@ def check_table(panel):
     command, pid, user, running, cpu, memory = row
     compare("process", command, "Corvane")
     compare("name of process " + pid, os.readlink(f"/proc/{pid}/exe").split("/")[-1], "Corvane")
-    compare("user", user, getpass.getuser())
+    # As ps writes it: it cuts off a long name.
+    listed = subprocess.check_output(["ps", "-o", "user=", "-p", pid], text=True)
+    compare("user", user, listed.strip())
     for value, form in ((running, r"\d\d:\d\d"), (cpu, r"\d+\.\d%"), (memory, r"\d+\.\d%")):
         if not re.fullmatch(form, value):
             sys.exit(f"{value} isn't of the form {form}")

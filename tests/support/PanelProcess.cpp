@@ -1,6 +1,8 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/realInput.h"
 
+#include "tests/support/files.h"
+
 #include <QCursor>
 #include <QDataStream>
 #include <QDir>
@@ -218,12 +220,14 @@ QStringList PanelProcess::errorLines() const
 QList<qint64> PanelProcess::daemonPids() const
 {
     QList<qint64> result;
+    const QByteArray argument = QFile::encodeName(daemonPath()) + '\0';
     const QStringList names = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
     for (const QString &name : names) {
         bool isNumber = false;
         const qint64 pid = name.toLongLong(&isNumber);
-        if (isNumber
-            && QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(pid)) == daemonPath())
+        // The link to the executable of another user's process is closed, in a container even to
+        // root.
+        if (isNumber && readFile(QStringLiteral("/proc/%1/cmdline").arg(pid)).startsWith(argument))
             result.append(pid);
     }
     return result;

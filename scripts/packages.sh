@@ -16,8 +16,8 @@ test_packages=(
     adwaita-qt kde-style-breeze qt5-gtk-platformtheme qt5ct
     metacity xfconf xfwm4
     libxcb-xfixes0-dev pkg-config wmctrl x11-xserver-utils xserver-xephyr
-    at-spi2-core dbus python3-pyatspi
-    file icoutils librsvg2-bin tini
+    at-spi2-core dbus python3 python3-pyatspi
+    file icoutils librsvg2-bin
 )
 
 # To hold it to its standards: formatter, linters, sanitizers' second compiler.
@@ -29,8 +29,8 @@ bench_packages=(dbus hyperfine libx11-dev)
 # The programs that these packages bring, to look for where there is no apt-get.
 declare -A tools_of=(
     [cmake]=cmake [g++]=c++ [ninja-build]=ninja [pkg-config]=pkg-config [git]=git
-    [procps]='pgrep ps' [xdg-utils]=xdg-open [tini]=tini
+    [procps]='pgrep ps' [xdg-utils]=xdg-open
     [xvfb]=Xvfb [openbox]=openbox [xdotool]=xdotool [x11-utils]='xprop xev' [imagemagick]='convert import'
     [metacity]=metacity [xfwm4]=xfwm4 [wmctrl]=wmctrl [x11-xserver-utils]=xrandr
-    [xserver-xephyr]=Xephyr [dbus]=dbus-daemon
+    [xserver-xephyr]=Xephyr [dbus]=dbus-daemon [python3]=python3
 )

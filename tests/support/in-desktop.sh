@@ -66,15 +66,16 @@ patience=60
 root=$(mktemp -d "${TMPDIR:-/tmp}/panel-test.XXXXXX")
 # A test that acts as another user has to pass through.
 chmod 711 "$root"
-started=()
 
 clean_up() {
-    local pid
-    for pid in "${started[@]}"; do
-        # More than once: an X server misses a signal that comes just before it goes to sleep.
-        while kill "$pid" 2>/dev/null; do
-            sleep 0.02
-        done
+    local job
+    # The last started ends first: a window manager would complain of the server's end. By job, as a
+    # PID may be another process's by now.
+    while job=$(jobs -r | tail -n 1) && [ -n "$job" ]; do
+        job=${job%%]*}
+        # Again if need be: an X server misses a signal that comes just before it goes to sleep.
+        kill "%${job#[}" 2>/dev/null || :
+        sleep 0.02
     done
     rm -rf "$root"
 }
@@ -131,7 +132,6 @@ if [ "$display" = yes ]; then
         setpriv --pdeathsig TERM "$1" -displayfd 3 -nolisten tcp -noreset -dpi "$server_dpi" "${@:2}" \
             3>"$root/display" >"$root/log/$1" 2>&1 &
         server=$!
-        started=("$server" "${started[@]}")
         wait_until "$server" "the X server $1" grep -q . "$root/display"
     }
 
@@ -154,7 +154,6 @@ if [ "$session_bus" = yes ]; then
         dbus-daemon --session --nofork --nopidfile --address="unix:path=$root/run/bus" \
         >"$root/log/bus" 2>&1 &
     bus=$!
-    started=("$bus" "${started[@]}")
     wait_until "$bus" "the D-Bus session" test -S "$root/run/bus"
 fi
 
@@ -164,8 +163,6 @@ if [ "$wm" != none ]; then
     env -i "${environment[@]}" setpriv --pdeathsig TERM "${manager_command[@]}" \
         >"$root/log/wm" 2>&1 &
     manager=$!
-    # The manager goes first: it would complain of the server's end.
-    started=("$manager" "${started[@]}")
     wait_until "$manager" "the window manager $wm" \
         env -i "${environment[@]}" sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
 
@@ -175,7 +172,7 @@ if [ "$wm" != none ]; then
     probe=$!
     wait_until "$probe" "a window under $wm" env -i "${environment[@]}" sh -c '
         xprop -root -f PROBE 32c -set PROBE 1 && xprop -name probe WM_STATE | grep -q Normal'
-    kill "$probe"
+    kill '%?-name probe'
     wait "$probe" 2>/dev/null || :
     wait_until "$manager" "an empty screen under $wm" env -i "${environment[@]}" sh -c '
         xprop -root -remove PROBE && ! xprop -root _NET_CLIENT_LIST | grep -q 0x'
@@ -189,7 +186,7 @@ if [ "$pid_namespace" = yes ]; then
     elif pids=$(pgrep -x Corvane); then
         fail "it can't be hidden from the test that a process named Corvane runs: PID ${pids//$'\n'/ }"
     else
-        launcher=(setpriv --pdeathsig TERM "${launcher[@]}" "$(dirname "$(readlink -f "$0")")/adopt.sh")
+        launcher=(setpriv --pdeathsig TERM "${launcher[@]}" "$(dirname "$(readlink -f "$0")")/adopt.py")
     fi
 fi
 
@@ -197,7 +194,5 @@ cd "$root/home"
 status=0
 "${launcher[@]}" "$@" <&0 &
 child=$!
-# The command ends before what it runs on, also where this script is told to end.
-started=("$child" "${started[@]}")
 wait "$child" || status=$?
 exit "$status"

@@ -25,7 +25,8 @@
 set -euo pipefail
 
 namespace=(unshare --pid --fork --kill-child --mount-proc)
-[ "$(id -u)" -eq 0 ] || namespace+=(--user --map-root-user)
+# The user keeps their ID: tests compare it with what ps tells, and D-Bus, outside, checks it.
+[ "$(id -u)" -eq 0 ] || namespace+=(--user --map-current-user)
 can_hide_processes() {
     [ -z "${PANEL_TEST_PLAIN:-}" ] && "${namespace[@]}" true 2>/dev/null
 }

@@ -81,6 +81,8 @@ make_root() {
     # shellcheck disable=SC2016 # a format of apt, not of the shell
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Label: Debian' | head -n 1) || :
     [ -n "$mirror" ] || fail "no Debian mirror is known to this machine's apt (apt-get update?)"
-    mmdebstrap --quiet --variant=minbase ${1+"--include=$*"} "$suite" "$folder" "$mirror" ||
+    # A mirror may be a snapshot, whose lists have expired.
+    mmdebstrap --quiet --variant=minbase --aptopt='Acquire::Check-Valid-Until "false"' \
+        ${1+"--include=$*"} "$suite" "$folder" "$mirror" ||
         fail "no root of $suite from $mirror"
 }

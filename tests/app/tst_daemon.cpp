@@ -1,8 +1,10 @@
 #include "app/daemon.h"
 #include "tests/support/files.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -50,6 +52,8 @@ private slots:
     void looksForTheExecutableBesideTheProgram();
     void doesNotStartWhatIsMissing_data();
     void doesNotStartWhatIsMissing();
+    void doesNotStartWhatIsNoProgram();
+    void doesNotStartAFolder();
     void startsWhatIsThere_data();
     void startsWhatIsThere();
 };
@@ -178,6 +182,24 @@ void tst_daemon::doesNotStartWhatIsMissing()
 
     QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
     QVERIFY(!Daemon::launch(rule));
+}
+
+void tst_daemon::doesNotStartWhatIsNoProgram()
+{
+    const ExecutableOfDaemon noProgram("\x7f"
+                                       "ELF but no more");
+
+    QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
+    QVERIFY(!Daemon::launch(Daemon::LaunchRule::IfExecutableExists));
+}
+
+void tst_daemon::doesNotStartAFolder()
+{
+    QVERIFY(QDir().mkdir(Daemon::executablePath()));
+    const auto cleanUp = qScopeGuard([] { QDir().rmdir(Daemon::executablePath()); });
+
+    QTest::ignoreMessage(QtInfoMsg, qPrintable("file: \"" + Daemon::executablePath() + '"'));
+    QVERIFY(!Daemon::launch(Daemon::LaunchRule::IfExecutableExists));
 }
 
 void tst_daemon::startsWhatIsThere_data()

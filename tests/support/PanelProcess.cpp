@@ -24,8 +24,6 @@ constexpr int AnswerTimeoutMs = 30000;
 const QString Table = QStringLiteral("treeWidgetOW");
 const QString Notice = QStringLiteral("labelNoService");
 constexpr int PidColumn = 1;
-constexpr int HeaderHeight = 36;
-constexpr int HeaderAndRowHeight = 76;
 
 //! The installed panel that is tried in the place of the built one, if any.
 const QString Installed = QString::fromUtf8(PANEL_TEST_INSTALLED);
@@ -371,14 +369,12 @@ QStringList PanelProcess::shownPids()
 
 bool PanelProcess::showsDaemon(qint64 pid)
 {
-    return !isExposed(Notice) && property(Table, "height") == QVariant(HeaderAndRowHeight)
-           && shownPids() == QStringList(QString::number(pid));
+    return !isExposed(Notice) && shownPids() == QStringList(QString::number(pid));
 }
 
 bool PanelProcess::showsNotice()
 {
-    return isExposed(Notice) && property(Table, "height") == QVariant(HeaderHeight)
-           && shownPids().isEmpty();
+    return isExposed(Notice) && shownPids().isEmpty();
 }
 
 std::optional<PanelProcess::MessageBox> PanelProcess::messageBox()

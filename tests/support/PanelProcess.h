@@ -91,7 +91,6 @@ public:
         Makes tests of what a refresh shows shorter.
     */
     void setRefreshInterval(int ms);
-    static constexpr int UsualRefreshMs = 3000;
     //! Short, and still long enough for what a refresh does.
     static constexpr int QuickRefreshMs = 500;
     //! The panel's PID; 0 when it doesn't run.
@@ -163,13 +162,14 @@ public:
 
     /*!
         Figures of the whole program: "pid", "platform", "font", "overrideCursor" (Qt::CursorShape,
-        -1 for none), "focus" (object name), "environment" (QStringList), "objects" (all QObjects
-        within reach), "descriptors", "children" (PIDs, zombies included).
+        -1 for none), "focus" (the name of the widget that has it, or of its class where it has no
+        name), "focusRect" (that widget's rectangle on the screen), "environment" (QStringList),
+        "objects" (all QObjects within reach), "descriptors", "children" (PIDs, zombies included).
     */
     QVariant application(const QString &figure);
     //! Opens \a url as the panel's own code would; whether anything took it.
     bool openUrl(const QUrl &url);
-    //! Opens \a url behind the event loop, when the window is destroyed.
+    //! Opens \a url after the event loop has ended, when the window is destroyed.
     void openUrlAtTheEnd(const QUrl &url);
     //! The icon at \a path of the resource bundle as the panel itself loads it, 64 pixels wide.
     QImage icon(const QString &path);

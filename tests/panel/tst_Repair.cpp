@@ -7,19 +7,19 @@
 
 namespace {
 
-const auto Title = QStringLiteral("修复朔川服务");
-const auto Fine = QStringLiteral("统一服务运行正常，无需修复。");
-const auto Repaired = QStringLiteral("朔川服务修复成功！");
-const auto Failed = QStringLiteral("尝试修复失败：请重启电脑后再试或联系朔川客服人员！");
-
 const auto RepairButton = QStringLiteral("xfkqfw");
 const auto Table = QStringLiteral("treeWidgetOW");
+const auto Box = QStringLiteral("QMessageBox");
 
 constexpr int BoxTimeoutMs = 25000;
+constexpr int MsPerSecond = 1000;
 
 } // namespace
 
-//! The repair as a user has it: the whole program, a real daemon, the mouse and the keyboard.
+/*!
+    The repair as a user has it: the whole program, a real daemon, the mouse and the keyboard. Which
+    texts it shows, and when, is tested on the page.
+*/
 class tst_Repair : public QObject
 {
     Q_OBJECT
@@ -30,15 +30,14 @@ private slots:
 
     void runningDaemonIsLeftAlone();
     void absentDaemonIsStarted();
-    void failures_data();
-    void failures();
+    void daemonThatEndsIsNoSuccess();
 
 private:
     //! The pointer's image over a widget that has the mouse.
     QImage cursorOver(const QString &widget);
-    //! Waits for the box and compares all of it.
-    static void verifyBox(PanelProcess &panel, const QString &text, QMessageBox::Icon icon);
-    static void verifyLog(const PanelProcess &panel, int formerLines, qint64 elapsedMs);
+    //! Compares the lines of the log after the first \a formerLines with a repair that took
+    //! \a elapsedMs. Returns what is wrong with them.
+    QString verifyLog(int formerLines, qint64 elapsedMs) const;
 
     std::unique_ptr<PanelProcess> m_panel;
 };
@@ -59,30 +58,21 @@ QImage tst_Repair::cursorOver(const QString &widget)
     return shownCursor();
 }
 
-void tst_Repair::verifyBox(PanelProcess &panel, const QString &text, QMessageBox::Icon icon)
+QString tst_Repair::verifyLog(int formerLines, qint64 elapsedMs) const
 {
-    QTRY_VERIFY_WITH_TIMEOUT(panel.messageBox(), BoxTimeoutMs);
-    const PanelProcess::MessageBox box = *panel.messageBox();
-    QCOMPARE(box.title, Title);
-    QCOMPARE(box.text, text);
-    QCOMPARE(box.icon, int(icon));
-    QCOMPARE(box.standardButtons, int(QMessageBox::Ok));
-    QCOMPARE(box.buttons.size(), 1);
-    QCOMPARE(box.defaultButton, QStringLiteral("OK"));
-    QCOMPARE(box.parentClass, QStringLiteral("OverviewForm"));
-    QCOMPARE(panel.application(QStringLiteral("overrideCursor")).toInt(), -1);
-}
-
-void tst_Repair::verifyLog(const PanelProcess &panel, int formerLines, qint64 elapsedMs)
-{
-    const QStringList lines = panel.errorLines().mid(formerLines);
-    QCOMPARE(lines.size(), 2);
-    QCOMPARE(lines.at(0), QStringLiteral("file: \"%1\"").arg(panel.daemonPath()));
-
-    bool ok = false;
-    const int seconds = lines.at(1).toInt(&ok);
-    QVERIFY2(ok && seconds >= 5 && seconds <= 14, qPrintable(lines.at(1)));
-    QVERIFY2(elapsedMs >= qint64(seconds) * 1000, qPrintable(QString::number(elapsedMs)));
+    const QStringList lines = m_panel->errorLines().mid(formerLines);
+    const QString log = lines.join(QLatin1Char('\n'));
+    if (lines.size() != 2)
+        return log;
+    if (lines.at(0) != QStringLiteral("file: \"%1\"").arg(m_panel->daemonPath()))
+        return log;
+    bool isNumber = false;
+    const int seconds = lines.at(1).toInt(&isNumber);
+    if (!isNumber)
+        return log;
+    if (elapsedMs < qint64(seconds) * MsPerSecond)
+        return QStringLiteral("%1 ms for %2 s").arg(elapsedMs).arg(seconds);
+    return {};
 }
 
 void tst_Repair::runningDaemonIsLeftAlone()
@@ -95,19 +85,16 @@ void tst_Repair::runningDaemonIsLeftAlone()
     const int formerLines = m_panel->errorLines().size();
 
     const QImage usualCursor = cursorOver(RepairButton);
-    QElapsedTimer clock;
-    clock.start();
     PanelProcess::clickAt(m_panel->globalRect(RepairButton).center());
     QTRY_VERIFY(shownCursor() != usualCursor);
-    verifyBox(*m_panel, Fine, QMessageBox::Information);
-    QVERIFY2(clock.elapsed() >= 2000, qPrintable(QString::number(clock.elapsed())));
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
     QTRY_COMPARE(shownCursor(), usualCursor);
 
     QCOMPARE(m_panel->daemonPids(), daemons);
     QCOMPARE(m_panel->errorLines().size(), formerLines);
     // Where the window manager has put it, and not before.
-    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
-    QTRY_VERIFY(m_panel->isExposed(QStringLiteral("QMessageBox")));
+    QTRY_VERIFY(m_panel->property(Box, "isActiveWindow").toBool());
+    QTRY_VERIFY(m_panel->isExposed(Box));
     m_panel->click(QStringLiteral("QMessageBox/QPushButton"));
     QTRY_VERIFY(!m_panel->messageBox());
 }
@@ -115,7 +102,7 @@ void tst_Repair::runningDaemonIsLeftAlone()
 void tst_Repair::absentDaemonIsStarted()
 {
     QVERIFY(m_panel->start());
-    QTRY_VERIFY(m_panel->property(QStringLiteral("labelNoService"), "visible").toBool());
+    QTRY_VERIFY(m_panel->showsNotice());
     const int formerLines = m_panel->errorLines().size();
     m_panel->placeDaemon();
     // It is slow to start, too: only the check at the end of the wait finds it.
@@ -130,59 +117,45 @@ void tst_Repair::absentDaemonIsStarted()
     QTRY_VERIFY(m_panel->hasDaemonRecord());
     // A second click while the first is at work.
     PanelProcess::clickAt(place);
-
-    QCOMPARE(m_panel->daemonRecord(QStringLiteral("argument")),
-             (QStringList {m_panel->daemonPath(), QStringLiteral("quickboot")}));
-    QCOMPARE(m_panel->daemonRecord(QStringLiteral("directory")), QStringList(m_panel->folder()));
     QVERIFY(shownCursor() != usualCursor);
 
-    verifyBox(*m_panel, Repaired, QMessageBox::Information);
-    verifyLog(*m_panel, formerLines, clock.elapsed());
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
+    QCOMPARE(m_panel->messageBox()->icon, int(QMessageBox::Information));
+    QCOMPARE(verifyLog(formerLines, clock.elapsed()), QString());
     QTRY_COMPARE(shownCursor(), usualCursor);
     const QList<qint64> daemons = m_panel->daemonPids();
     QCOMPARE(daemons.size(), 1);
     QCOMPARE(m_panel->daemonRecord(QStringLiteral("pid")),
              QStringList(QString::number(daemons.first())));
 
-    // The page catches up behind the open box.
-    QTRY_COMPARE_WITH_TIMEOUT(m_panel->rowTexts(Table).size(), 1, BoxTimeoutMs);
-    QCOMPARE(m_panel->rowTexts(Table).first().at(1), QString::number(daemons.first()));
+    // The page catches up while the box is open.
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->showsDaemon(daemons.first()), BoxTimeoutMs);
     QVERIFY(m_panel->messageBox());
-    QVERIFY(!m_panel->property(QStringLiteral("labelNoService"), "visible").toBool());
 
-    QTRY_VERIFY(m_panel->property(QStringLiteral("QMessageBox"), "isActiveWindow").toBool());
+    QTRY_VERIFY(m_panel->property(Box, "isActiveWindow").toBool());
     PanelProcess::pressKeys("Return");
     QTRY_VERIFY(!m_panel->messageBox());
 
-    // Served or not, the second click came too late to start another daemon.
+    // Handled or not, the second click came too late to start another daemon.
     QCOMPARE(m_panel->daemonPids(), daemons);
     QCOMPARE(m_panel->errorLines().size(), formerLines + 2);
 }
 
-void tst_Repair::failures_data()
+void tst_Repair::daemonThatEndsIsNoSuccess()
 {
-    QTest::addColumn<bool>("isPlaced");
-
-    QTest::newRow("executable missing") << false;
-    QTest::newRow("exits before the check") << true;
-}
-
-void tst_Repair::failures()
-{
-    QFETCH(bool, isPlaced);
     QVERIFY(m_panel->start());
     const int formerLines = m_panel->errorLines().size();
-    if (isPlaced) {
-        m_panel->placeDaemon();
-        m_panel->configureDaemon("CORVANE_EXIT_AFTER_MS", "1500");
-    }
+    m_panel->placeDaemon();
+    m_panel->configureDaemon("CORVANE_EXIT_AFTER_MS", "1500");
 
     QElapsedTimer clock;
     clock.start();
     m_panel->click(RepairButton);
-    verifyBox(*m_panel, Failed, QMessageBox::Warning);
-    verifyLog(*m_panel, formerLines, clock.elapsed());
-    QCOMPARE(m_panel->hasDaemonRecord(), isPlaced);
+
+    QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
+    QCOMPARE(m_panel->messageBox()->icon, int(QMessageBox::Warning));
+    QCOMPARE(verifyLog(formerLines, clock.elapsed()), QString());
+    QVERIFY(m_panel->hasDaemonRecord());
     QCOMPARE(m_panel->daemonPids(), QList<qint64>());
 }
 

@@ -111,6 +111,18 @@ QVariantList childNumbers()
     return result;
 }
 
+//! The name of \a widget, or of its class where it has none.
+QString nameOf(const QWidget &widget)
+{
+    const QString name = widget.objectName();
+    return name.isEmpty() ? QString::fromLatin1(widget.metaObject()->className()) : name;
+}
+
+QRect globalRectOf(const QWidget &widget)
+{
+    return {widget.mapToGlobal(QPoint(0, 0)), widget.size()};
+}
+
 QString buttonText(const QAbstractButton *button)
 {
     return button ? button->text() : QString();
@@ -240,7 +252,7 @@ QVariant Inspector::invoke(const Question &question)
 QVariant Inspector::globalRect(const Question &question)
 {
     const QWidget *found = widget(question);
-    return found ? QRect(found->mapToGlobal(QPoint(0, 0)), found->size()) : QVariant();
+    return found ? globalRectOf(*found) : QVariant();
 }
 
 QVariant Inspector::windowId(const Question &question)
@@ -328,7 +340,8 @@ QVariant Inspector::application(const Question &)
                         {QStringLiteral("font"), QApplication::font()},
                         {QStringLiteral("overrideCursor"),
                          cursor ? static_cast<int>(cursor->shape()) : NoOverrideCursor},
-                        {QStringLiteral("focus"), focus ? focus->objectName() : QString()},
+                        {QStringLiteral("focus"), focus ? nameOf(*focus) : QString()},
+                        {QStringLiteral("focusRect"), focus ? globalRectOf(*focus) : QRect()},
                         {QStringLiteral("environment"),
                          QProcessEnvironment::systemEnvironment().toStringList()},
                         {QStringLiteral("objects"), objects.size()},

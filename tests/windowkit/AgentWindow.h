@@ -5,7 +5,6 @@
 #include <QEvent>
 #include <QPoint>
 #include <QRect>
-#include <QStringList>
 #include <QVector>
 #include <QWidget>
 
@@ -48,8 +47,8 @@ class Window : public QWidget
 public:
     Window();
 
-    //! Shows the window and waits until the server has it in its place.
-    void present();
+    //! Shows the window; whether the server has it in its place then.
+    bool present();
 
     Recorder *header;
     QPushButton *button;
@@ -67,7 +66,7 @@ public:
     QVector<QPoint> questions;
 };
 
-//! A window on the screen that may be dragged by its header.
+//! A window that may be dragged by its header.
 class ServedWindow : public Window
 {
     Q_OBJECT
@@ -96,24 +95,11 @@ public:
 //! A press and its release, as Recorder and Observer record them.
 extern const QVector<QEvent::Type> PressAndRelease;
 
-//! Runs xdotool to its end. No event of this process is handled meanwhile.
-void xdotool(const QStringList &arguments);
-//! Runs xdotool to its end while this process goes on handling its events.
-void xdotoolBeside(const QStringList &arguments);
-
-// Arguments of xdotool. They can be added up.
-extern const QStringList PressLeft;
-extern const QStringList ReleaseLeft;
-QStringList moveTo(const QPoint &global);
-QStringList click(int button, int repeat = 1);
-//! A whole drag, without a pause.
-QStringList drag(const QPoint &from, const QPoint &to);
-
 //! Where the X server has the window.
 QPoint placeOnServer(const QWidget &window);
-//! Waits until every event up to now has been handled: the page has seen a last motion.
-void settle(const Window &window);
-//! The window comes to \a place, for the server and for Qt.
-void verifyPlace(const Window &window, const QPoint &place);
-//! Drags the window once by its header, and by its page in vain.
-void verifyDrags(const Window &window);
+//! Whether every event up to now gets handled: the page sees a last motion.
+bool settle(const Window &window);
+//! Whether the window comes to \a place, for the server and for Qt.
+bool comesTo(const Window &window, const QPoint &place);
+//! Whether a drag by its header moves the window, and one by its page doesn't.
+bool isDraggedByItsHeaderOnly(const Window &window);

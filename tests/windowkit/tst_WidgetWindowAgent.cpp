@@ -1,3 +1,4 @@
+#include "tests/support/realInput.h"
 #include "tests/support/waits.h"
 #include "tests/windowkit/AgentWindow.h"
 
@@ -48,7 +49,7 @@ private slots:
 void tst_WidgetWindowAgent::cleanup()
 {
     // A failed test may have left the button down.
-    xdotool(ReleaseLeft);
+    xdotool(release());
 }
 
 void tst_WidgetWindowAgent::setsUpOnce()
@@ -114,19 +115,20 @@ void tst_WidgetWindowAgent::signalAnswersFalseWithoutReceiver()
 void tst_WidgetWindowAgent::asksOnlyOnLeftPressAndDoubleClick()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(3) + click(2) + click(4)
             + moveTo(WindowPosition + PagePoint) + click(3, 2));
-    settle(window);
+    QVERIFY(settle(window));
     QCOMPARE(window.answer.questions, QVector<QPoint>());
 
     xdotool(drag(WindowPosition + HeaderPoint, WindowPosition + HeaderPoint + QPoint(9, 9)));
-    settle(window);
+    QVERIFY(settle(window));
     QCOMPARE(window.answer.questions, QVector<QPoint>({HeaderPoint}));
 
     window.answer.questions.clear();
     xdotool(moveTo(WindowPosition + QPoint(9, 9) + PagePoint) + click(1));
-    settle(window);
+    QVERIFY(settle(window));
     QCOMPARE(window.answer.questions, QVector<QPoint>({PagePoint}));
 
     // The press and the double click that Qt makes of it.
@@ -143,15 +145,16 @@ void tst_WidgetWindowAgent::asksOnlyOnLeftPressAndDoubleClick()
 void tst_WidgetWindowAgent::swallowsTheWholeDrag()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     xdotool(moveTo(WindowPosition + HeaderPoint));
     QTRY_COMPARE(window.header->lastMotion, HeaderPoint);
     // The header sees no motion of the drag, which passes over the button and the page.
-    xdotoolBeside(PressLeft + moveTo(WindowPosition + ButtonRect.center())
-                  + moveTo(WindowPosition + PagePoint) + ReleaseLeft);
-    verifyPlace(window, WindowPosition + PagePoint - HeaderPoint);
+    xdotoolBeside(press() + moveTo(WindowPosition + ButtonRect.center())
+                  + moveTo(WindowPosition + PagePoint) + release());
+    QVERIFY(comesTo(window, WindowPosition + PagePoint - HeaderPoint));
     QCOMPARE(window.header->lastMotion, HeaderPoint);
-    settle(window);
+    QVERIFY(settle(window));
     QVERIFY(window.header->events.isEmpty());
     QVERIFY(window.page->events.isEmpty());
     QVERIFY(!window.button->isDown());
@@ -160,23 +163,25 @@ void tst_WidgetWindowAgent::swallowsTheWholeDrag()
 void tst_WidgetWindowAgent::changesNothingOnAMereClick()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1));
-    settle(window);
+    QVERIFY(settle(window));
     QCOMPARE(window.answer.questions.size(), 1);
-    verifyPlace(window, WindowPosition);
+    QVERIFY(comesTo(window, WindowPosition));
     QVERIFY(window.header->events.isEmpty());
 }
 
 void tst_WidgetWindowAgent::swallowsDoubleClicks()
 {
     ServedWindow window;
+    QVERIFY(window.present());
     QSignalSpy clicks(window.button, &QPushButton::clicked);
 
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1, 2));
-    settle(window);
+    QVERIFY(settle(window));
     QVERIFY(window.header->events.isEmpty());
-    verifyPlace(window, WindowPosition);
+    QVERIFY(comesTo(window, WindowPosition));
     QVERIFY(!QWidget::mouseGrabber());
 
     // Nothing is left pressed: the next click counts at once.
@@ -185,7 +190,7 @@ void tst_WidgetWindowAgent::swallowsDoubleClicks()
 
     const auto doubleClickOnPage = moveTo(WindowPosition + PagePoint) + click(1, 2);
     xdotool(doubleClickOnPage);
-    settle(window);
+    QVERIFY(settle(window));
     QVERIFY(window.page->events.contains(QEvent::MouseButtonDblClick));
     QCOMPARE(window.page->events.last(), QEvent::MouseButtonRelease);
 }
@@ -193,24 +198,26 @@ void tst_WidgetWindowAgent::swallowsDoubleClicks()
 void tst_WidgetWindowAgent::dragsFromADoubleClick()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     const QPoint distance(60, 70);
-    xdotool(moveTo(WindowPosition + HeaderPoint) + click(1) + PressLeft
-            + moveTo(WindowPosition + HeaderPoint + distance) + ReleaseLeft);
-    verifyPlace(window, WindowPosition + distance);
-    settle(window);
+    xdotool(moveTo(WindowPosition + HeaderPoint) + click(1) + press()
+            + moveTo(WindowPosition + HeaderPoint + distance) + release());
+    QVERIFY(comesTo(window, WindowPosition + distance));
+    QVERIFY(settle(window));
     QVERIFY(window.header->events.isEmpty());
 }
 
 void tst_WidgetWindowAgent::leavesOtherPointsAlone()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     const QPoint end = PagePoint + QPoint(30, 20);
     xdotool(drag(WindowPosition + PagePoint, WindowPosition + end));
     QTRY_COMPARE(window.page->events, PressAndRelease);
     QCOMPARE(window.page->lastMotion, end - PageRect.topLeft());
-    verifyPlace(window, WindowPosition);
+    QVERIFY(comesTo(window, WindowPosition));
 }
 
 void tst_WidgetWindowAgent::leavesOtherButtonsAlone_data()
@@ -230,7 +237,7 @@ void tst_WidgetWindowAgent::leavesOtherButtonsAlone()
     QFETCH(const Qt::MouseButton, button);
     QFETCH(const bool, isDuringADrag);
     Window window;
-    window.present();
+    QVERIFY(window.present());
     const Observer observer(window.windowHandle());
     QWK::WidgetWindowAgent agent;
     const Answer answer(&agent);
@@ -240,8 +247,8 @@ void tst_WidgetWindowAgent::leavesOtherButtonsAlone()
     xdotool(moveTo(place + HeaderPoint));
     if (isDuringADrag) {
         place += QPoint(20, 10);
-        xdotool(PressLeft + moveTo(place + HeaderPoint));
-        verifyPlace(window, place);
+        xdotool(press() + moveTo(place + HeaderPoint));
+        QVERIFY(comesTo(window, place));
     }
     xdotool(click(number));
     QTRY_COMPARE(observer.events, PressAndRelease);
@@ -252,17 +259,17 @@ void tst_WidgetWindowAgent::leavesOtherButtonsAlone()
         // The drag goes on.
         place += QPoint(-50, 30);
         xdotool(moveTo(place + HeaderPoint));
-        verifyPlace(window, place);
-        xdotool(ReleaseLeft);
+        QVERIFY(comesTo(window, place));
+        xdotool(release());
     } else {
         QCOMPARE(window.header->events, PressAndRelease);
-        xdotool({QStringLiteral("mousedown"), QString::number(number)});
+        xdotool(press(number));
         xdotool(moveTo(place + HeaderPoint + QPoint(30, 15)));
         QTRY_COMPARE(window.header->lastMotion, HeaderPoint + QPoint(30, 15));
-        xdotool({QStringLiteral("mouseup"), QString::number(number)});
+        xdotool(release(number));
     }
-    settle(window);
-    verifyPlace(window, place);
+    QVERIFY(settle(window));
+    QVERIFY(comesTo(window, place));
     QVERIFY(!observer.buttons.contains(Qt::LeftButton));
 }
 
@@ -271,24 +278,24 @@ void tst_WidgetWindowAgent::leavesAllAloneWithoutReceiver()
     Window window;
     QWK::WidgetWindowAgent agent;
     agent.setup(&window);
-    window.present();
+    QVERIFY(window.present());
 
     xdotool(drag(WindowPosition + HeaderPoint, WindowPosition + HeaderPoint + QPoint(30, 10)));
     QTRY_COMPARE(window.header->events, PressAndRelease);
     QCOMPARE(window.header->lastMotion, HeaderPoint + QPoint(30, 10));
-    verifyPlace(window, WindowPosition);
+    QVERIFY(comesTo(window, WindowPosition));
 }
 
 void tst_WidgetWindowAgent::endsTheDragOnAMotionWithoutButton()
 {
     Window window;
-    window.present();
+    QVERIFY(window.present());
     const Observer observer(window.windowHandle());
     QWK::WidgetWindowAgent agent;
     const Answer answer(&agent);
     agent.setup(&window);
 
-    xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
+    xdotool(moveTo(WindowPosition + HeaderPoint) + press());
     QTRY_COMPARE(answer.questions.size(), 1);
 
     // As after a release that went elsewhere. The motion itself is the widgets' again.
@@ -298,15 +305,16 @@ void tst_WidgetWindowAgent::endsTheDragOnAMotionWithoutButton()
     QCoreApplication::sendEvent(window.windowHandle(), &motion);
     QCOMPARE(window.header->lastMotion, local);
 
-    xdotool(moveTo(WindowPosition + HeaderPoint + QPoint(40, 10)) + ReleaseLeft);
-    settle(window);
-    verifyPlace(window, WindowPosition);
+    xdotool(moveTo(WindowPosition + HeaderPoint + QPoint(40, 10)) + release());
+    QVERIFY(settle(window));
+    QVERIFY(comesTo(window, WindowPosition));
     QCOMPARE(observer.events, QVector<QEvent::Type>({QEvent::MouseButtonRelease}));
 }
 
 void tst_WidgetWindowAgent::letsAPressCloseAPopup()
 {
     ServedWindow window;
+    QVERIFY(window.present());
 
     QMenu menu;
     menu.addAction(QStringLiteral("action"));
@@ -314,20 +322,21 @@ void tst_WidgetWindowAgent::letsAPressCloseAPopup()
     QVERIFY(QTest::qWaitForWindowExposed(&menu, WindowTimeoutMs));
     xdotool(moveTo(WindowPosition + HeaderPoint) + click(1));
     QTRY_VERIFY(!menu.isVisible());
-    settle(window);
-    verifyDrags(window);
+    QVERIFY(settle(window));
+    QVERIFY(isDraggedByItsHeaderOnly(window));
 }
 
 void tst_WidgetWindowAgent::isAliveRightAfterADrag()
 {
     ServedWindow window;
+    QVERIFY(window.present());
     QSignalSpy clicks(window.button, &QPushButton::clicked);
 
     QPoint place = WindowPosition;
     for (int i = 1; i <= 10; ++i) {
         const QPoint next = WindowPosition + QPoint(i * 53, i * 31);
         xdotoolBeside(drag(place + HeaderPoint, next + HeaderPoint));
-        verifyPlace(window, next);
+        QVERIFY(comesTo(window, next));
         place = next;
 
         xdotool(moveTo(place + HeaderPoint + QPoint(i, 1)));
@@ -348,8 +357,8 @@ void tst_WidgetWindowAgent::outlivesItsWindow()
     {
         Window window;
         agent.setup(&window);
-        window.present();
-        xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft);
+        QVERIFY(window.present());
+        xdotool(moveTo(WindowPosition + HeaderPoint) + press());
         QTRY_COMPARE(answer.questions.size(), 1);
     }
     Window other;
@@ -357,9 +366,9 @@ void tst_WidgetWindowAgent::outlivesItsWindow()
 
     // And the window outlives its agent.
     QScopedPointer<QWK::WidgetWindowAgent> second(new QWK::WidgetWindowAgent);
-    xdotool(ReleaseLeft);
+    xdotool(release());
     QVERIFY(second->setup(&other));
-    other.present();
+    QVERIFY(other.present());
     second.reset();
     xdotool(moveTo(WindowPosition + PagePoint) + click(1));
     QTRY_COMPARE(other.page->events.size(), 2);
@@ -381,7 +390,7 @@ void tst_WidgetWindowAgent::mayBeDeletedByTheAnswer()
     auto *agent = new (memory.data()) QWK::WidgetWindowAgent;
     Window window;
     agent->setup(&window);
-    window.present();
+    QVERIFY(window.present());
     int questions = 0;
     const auto answer = [&] {
         ++questions;
@@ -391,12 +400,12 @@ void tst_WidgetWindowAgent::mayBeDeletedByTheAnswer()
     };
     connect(agent, &QWK::WindowAgentBase::inTitleBarDraggableArea, &window, answer);
 
-    xdotool(moveTo(WindowPosition + HeaderPoint) + PressLeft + ReleaseLeft);
+    xdotool(moveTo(WindowPosition + HeaderPoint) + press() + release());
 
     QTRY_COMPARE(questions, 1);
     if (!mayDrag)
         QTRY_COMPARE(window.header->events, PressAndRelease);
-    settle(window);
+    QVERIFY(settle(window));
     QVERIFY(std::all_of(memory.begin(), memory.end(), [](char byte) { return byte == Trace; }));
 }
 

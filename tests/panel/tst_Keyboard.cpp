@@ -1,5 +1,6 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/WebShortcuts.h"
 #include "tests/support/pixels.h"
 
 #include <QTest>
@@ -12,8 +13,6 @@ namespace {
 const auto Opener = QStringLiteral("xdg-open");
 const auto Window = QStringLiteral("ServiceContainer");
 const auto Table = QStringLiteral("treeWidgetOW");
-const auto HallButton = QStringLiteral("kqfwdt");
-const auto KnowledgeButton = QStringLiteral("kqzsk");
 const auto RepairButton = QStringLiteral("xfkqfw");
 //! The close button goes by its class.
 const auto CloseButton = QStringLiteral("FancyButton");
@@ -146,17 +145,15 @@ void tst_Keyboard::actsOnTheFocusedButton()
     QVERIFY(m_panel->start());
     QTRY_COMPARE(m_panel->rowTexts(Table).size(), 1);
 
-    QStringList pages;
+    QList<QStringList> expected;
     for (const char *key : {"space", "Return", "KP_Enter"}) {
-        for (const QString &button : {HallButton, KnowledgeButton}) {
-            QVERIFY(tabTo(button));
+        for (const WebShortcut &shortcut : WebShortcuts) {
+            QVERIFY(tabTo(QLatin1String(shortcut.button)));
             PanelProcess::pressKeys(key);
-            QTRY_COMPARE(m_shims->calls(Opener).size(), pages.size() + 1);
-            pages.append(m_shims->calls(Opener).last().value(0));
+            expected.append(QStringList(QLatin1String(shortcut.address)));
+            QTRY_COMPARE(m_shims->calls(Opener), expected);
         }
     }
-    QVERIFY(pages.at(0) != pages.at(1));
-    QCOMPARE(pages, pages.mid(0, 2) + pages.mid(0, 2) + pages.mid(0, 2));
 
     QVERIFY(tabTo(RepairButton));
     PanelProcess::pressKeys("Return");

@@ -35,10 +35,10 @@ QStringList bashBefore(const QString &preparation)
 } // namespace
 
 /*!
-    The whole program, started in surroundings that nobody would wish it. In all of them it has to
-    come up, start the daemon once, show it, and end as if nothing were the matter.
+    The whole program without variables, with closed streams and in an oddly named folder. Each time
+    it has to come up, start the daemon once, show it and end with status 0.
 */
-class tst_Surroundings : public QObject
+class tst_OddEnvironments : public QObject
 {
     Q_OBJECT
 
@@ -51,11 +51,12 @@ private slots:
 
 private:
     static void prepare(PanelProcess &panel);
+    //! Runs \a panel from its start to its end, and compares all that it does.
     static void comesUp(PanelProcess &panel, const QStringList &arguments = {});
 };
 
 //! Puts the daemon beside \a panel, with a record that depends on no variable and no odd path.
-void tst_Surroundings::prepare(PanelProcess &panel)
+void tst_OddEnvironments::prepare(PanelProcess &panel)
 {
     panel.share();
     if (!QFile::copy(QStringLiteral(PANEL_TEST_DAEMON), panel.daemonPath()))
@@ -64,7 +65,7 @@ void tst_Surroundings::prepare(PanelProcess &panel)
                           QFile::encodeName(panel.sharedFolder() + QStringLiteral("/record")));
 }
 
-void tst_Surroundings::comesUp(PanelProcess &panel, const QStringList &arguments)
+void tst_OddEnvironments::comesUp(PanelProcess &panel, const QStringList &arguments)
 {
     QVERIFY(panel.start(arguments));
 
@@ -78,8 +79,6 @@ void tst_Surroundings::comesUp(PanelProcess &panel, const QStringList &arguments
                                + "\ndirectory=" + QFile::encodeName(panel.folder())
                                + "\nargument=" + path + "\nargument=quickboot\n"),
              record.constData());
-    for (const char *name : {"LD_LIBRARY_PATH", "LD_PRELOAD", "QT_PLUGIN_PATH"})
-        QVERIFY2(!record.contains(QByteArray("\nenvironment=") + name + '='), name);
 
     QCOMPARE(panel.property(QStringLiteral("qApp"), "CorvanePid"), QVariant(pids.first()));
     panel.setRefreshInterval(PanelProcess::QuickRefreshMs);
@@ -91,7 +90,7 @@ void tst_Surroundings::comesUp(PanelProcess &panel, const QStringList &arguments
     QCOMPARE(panel.daemonPids(), pids);
 }
 
-void tst_Surroundings::emptyEnvironment()
+void tst_OddEnvironments::emptyEnvironment()
 {
     PanelProcess panel;
     prepare(panel);
@@ -103,24 +102,25 @@ void tst_Surroundings::emptyEnvironment()
     panel.setLauncher(QStringList {QStringLiteral("env"), QStringLiteral("-i")} + ordinaryUser());
 
     comesUp(panel, arguments);
+    if (QTest::currentTestFailed())
+        return;
 
-    QCOMPARE(readFile(panel.sharedFolder() + QStringLiteral("/record")).count("environment="), 1);
-    QVERIFY(readFile(panel.sharedFolder() + QStringLiteral("/record"))
-                    .endsWith("\nenvironment=QT_QPA_PLATFORM=xcb\n"));
+    const QByteArray record = readFile(panel.sharedFolder() + QStringLiteral("/record"));
+    QCOMPARE(record.count("environment="), 1);
+    QVERIFY2(record.endsWith("\nenvironment=QT_QPA_PLATFORM=xcb\n"), record.constData());
 }
 
-void tst_Surroundings::closedStandardStreams_data()
+void tst_OddEnvironments::closedStandardStreams_data()
 {
     QTest::addColumn<QString>("closing");
 
     QTest::newRow("input") << "exec <&-";
     QTest::newRow("output") << "exec >&-";
     QTest::newRow("errors") << "exec 2>&-";
-    QTest::newRow("input and output") << "exec <&- >&-";
     QTest::newRow("all") << "exec <&- >&- 2>&-";
 }
 
-void tst_Surroundings::closedStandardStreams()
+void tst_OddEnvironments::closedStandardStreams()
 {
     QFETCH(QString, closing);
     PanelProcess panel;
@@ -130,7 +130,7 @@ void tst_Surroundings::closedStandardStreams()
     comesUp(panel);
 }
 
-void tst_Surroundings::closedStreamsAreReplacedOnceEach()
+void tst_OddEnvironments::closedStreamsAreReplacedOnceEach()
 {
     PanelProcess panel;
     panel.setLauncher(bashBefore(QStringLiteral("exec <&- >&- 2>&-")));
@@ -144,7 +144,7 @@ void tst_Surroundings::closedStreamsAreReplacedOnceEach()
     }
 }
 
-void tst_Surroundings::folderThatReadsLikeCommands()
+void tst_OddEnvironments::folderThatReadsLikeCommands()
 {
     PanelProcess panel(Commands);
     prepare(panel);
@@ -158,6 +158,8 @@ void tst_Surroundings::folderThatReadsLikeCommands()
     panel.setLauncher(bashBefore(QStringLiteral("cd '%1'").arg(panel.sharedFolder())));
 
     comesUp(panel);
+    if (QTest::currentTestFailed())
+        return;
 
     const QByteArray texts = readFile(seen);
     QVERIFY(texts.contains("pgrep -lf Corvane | grep -w Corvane"));
@@ -166,5 +168,5 @@ void tst_Surroundings::folderThatReadsLikeCommands()
         QVERIFY(!QFile::exists(folder + QStringLiteral("/canary")));
 }
 
-QTEST_MAIN(tst_Surroundings)
-#include "tst_Surroundings.moc"
+QTEST_MAIN(tst_OddEnvironments)
+#include "tst_OddEnvironments.moc"

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Arguments are recorded each behind a unit separator, calls each before a record separator: bytes
+// Each recorded argument is followed by a unit separator, each call by a record separator: bytes
 // that no argument in these tests holds.
 constexpr char ArgumentMark = '\x1f';
 constexpr char CallMark = '\x1e';

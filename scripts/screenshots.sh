@@ -24,7 +24,7 @@ in_desktop 2560x1600x24 "$build/tests/panel/screenshots"
 in_desktop 2560x1600x24 "$build/tests/fancy/fancy_gallery" "$all/gallery.png"
 in_desktop 2700x2000x24 "$build/tests/panel/tst_Desktops" isScaledAndWhole isReadableInEveryTheme
 
-for screenshot in "$all"/gallery.png "$all"/panel-*.png "$all"/desktop-{144,192,adwaita-dark-at-96}.png; do
+for screenshot in "$all"/gallery.png "$all"/panel-*.png "$all"/desktop-{144,192}.png; do
     convert "$screenshot" -strip -define png:compression-level=9 -define png:compression-filter=1 \
         "$project/docs/screenshots/$(basename "$screenshot")"
 done

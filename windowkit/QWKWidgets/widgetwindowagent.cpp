@@ -94,8 +94,9 @@ bool WidgetWindowAgent::handlePress(const QMouseEvent &event)
     if (!m_isDragging)
         return false;
 
-    // Until the last move has been carried out the press names a point of the window as it stood
-    // before. A window manager may also have refused that move: it isn't waited for long.
+    // Until the window manager has carried out the last move, a press is relative to the window's
+    // old place. The manager may also refuse the move: after a while the window's real place
+    // counts.
     m_isSettling = m_isSettling && event.timestamp() - m_requestTime < SettlingTime;
     // If the window is where it was last asked to be, the exact place counts: otherwise the
     // rounding of many drags would add up.

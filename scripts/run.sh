@@ -26,20 +26,15 @@ if [ -z "${DISPLAY:-}" ]; then
     exit 0
 fi
 
-# The panel leaves its daemon running. This one is only a stand-in, so it ends with the panel.
+# The panel leaves its daemon running. A stand-in ends with this script, which then no longer has the pipe
+# open: a signal to its PID could hit another process by now.
 folder=$(mktemp -d)
-record=$folder/Corvane
-end_stand_in() {
-    if [ -f "$record" ]; then
-        # Gone already is as good.
-        kill "$(sed -n 's/^pid=//p' "$record")" 2>/dev/null || :
-    fi
-    rm -rf "$folder"
-}
-trap end_stand_in EXIT
+trap 'rm -rf "$folder"' EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
+mkfifo "$folder/running"
+exec 9<>"$folder/running"
 
 status=0
-CORVANE_RECORD=$record "$build/bin/corvane-panel" || status=$?
+CORVANE_WHILE_OPEN=$folder/running "$build/bin/corvane-panel" 9>&- || status=$?
 exit "$status"

@@ -16,17 +16,12 @@ row_pixels=15000
 patience=30
 
 record=$PWD/Corvane.record
-CORVANE_RECORD=$record "$panel" &
+# The daemon ends when nobody has this open.
+mkfifo "$PWD/running"
+exec 9<>"$PWD/running"
+CORVANE_RECORD=$record CORVANE_WHILE_OPEN=$PWD/running "$panel" 9>&- &
 panel_pid=$!
-
-clean_up() {
-    local pid
-    for pid in "$panel_pid" $(sed -n 's/^pid=//p' "$record" 2>/dev/null); do
-        kill "$pid" 2>/dev/null || continue
-    done
-    wait "$panel_pid" 2>/dev/null || :
-}
-trap clean_up EXIT
+trap 'kill %1 2>/dev/null && { wait %1 2>/dev/null || :; }' EXIT
 
 row_in() {
     local count

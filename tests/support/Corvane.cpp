@@ -11,24 +11,25 @@
 //   CORVANE_APPEAR_AFTER_MS=N    go by another process name for the first N milliseconds, as a
 //                                service does that is slow to start
 //   CORVANE_REFUSE=STATUS        end at once with this status
+//   CORVANE_WHILE_OPEN=PIPE      end with status 0 once nobody has this named pipe open for writing
 
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace {
-
-constexpr long MsPerSecond = 1000;
-constexpr long NsPerMs = 1000000;
 
 std::string executablePath()
 {
@@ -46,8 +47,8 @@ std::map<std::string, std::string> readConfiguration()
         if (equals != std::string::npos)
             values[line.substr(0, equals)] = line.substr(equals + 1);
     }
-    for (const char *name :
-         {"CORVANE_RECORD", "CORVANE_EXIT_AFTER_MS", "CORVANE_APPEAR_AFTER_MS", "CORVANE_REFUSE"}) {
+    for (const char *name : {"CORVANE_RECORD", "CORVANE_EXIT_AFTER_MS", "CORVANE_APPEAR_AFTER_MS",
+                             "CORVANE_REFUSE", "CORVANE_WHILE_OPEN"}) {
         if (const char *value = getenv(name))
             values[name] = value;
     }
@@ -72,15 +73,22 @@ bool record(const std::string &path, int argc, char *argv[])
     return rename(draft.c_str(), path.c_str()) == 0;
 }
 
-//! Sleeps for \a ms milliseconds, or until one of \a signals arrives; then returns true.
-bool signalWithin(long ms, const sigset_t &signals)
+//! What ends the daemon: descriptors to poll, of which negative ones stand for nothing.
+struct EndEvents
 {
-    const timespec timeout = {ms / MsPerSecond, ms % MsPerSecond * NsPerMs};
-    int number = -1;
+    int signals;
+    int pipe;
+};
+
+//! Sleeps for \a ms milliseconds, -1 for ever, or until one of \a events comes; then returns true.
+bool endsWithin(int ms, const EndEvents &events)
+{
+    pollfd sources[] = {{events.signals, POLLIN, 0}, {events.pipe, POLLIN, 0}};
+    int count = -1;
     do {
-        number = sigtimedwait(&signals, nullptr, &timeout);
-    } while (number < 0 && errno == EINTR);
-    return number > 0;
+        count = poll(sources, std::size(sources), ms);
+    } while (count < 0 && errno == EINTR);
+    return count > 0;
 }
 
 } // namespace
@@ -92,6 +100,7 @@ int main(int argc, char *argv[])
     sigaddset(&endSignals, SIGTERM);
     sigaddset(&endSignals, SIGINT);
     sigprocmask(SIG_BLOCK, &endSignals, nullptr);
+    EndEvents events = {signalfd(-1, &endSignals, SFD_CLOEXEC), -1};
 
     const auto configuration = readConfiguration();
     const auto value = [&configuration](const char *name) {
@@ -113,19 +122,21 @@ int main(int argc, char *argv[])
     if (!refuse.empty())
         return atoi(refuse.c_str());
 
+    const std::string whileOpen = value("CORVANE_WHILE_OPEN");
+    if (!whileOpen.empty()) {
+        events.pipe = open(whileOpen.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        char byte = 0;
+        if (events.pipe < 0 || read(events.pipe, &byte, 1) == 0)
+            return EXIT_SUCCESS;
+    }
+
     if (!appearAfter.empty()) {
-        if (signalWithin(atol(appearAfter.c_str()), endSignals))
+        if (endsWithin(atoi(appearAfter.c_str()), events))
             return EXIT_SUCCESS;
         prctl(PR_SET_NAME, "Corvane");
     }
 
     const std::string exitAfter = value("CORVANE_EXIT_AFTER_MS");
-    if (!exitAfter.empty()) {
-        signalWithin(atol(exitAfter.c_str()), endSignals);
-        return EXIT_SUCCESS;
-    }
-
-    int number = 0;
-    sigwait(&endSignals, &number);
+    endsWithin(exitAfter.empty() ? -1 : atoi(exitAfter.c_str()), events);
     return EXIT_SUCCESS;
 }

@@ -24,6 +24,8 @@ QList<QVariant> executeInMain(const QString &program, const QStringList &argumen
     if (!process.waitForStarted(StartTimeoutMs))
         return {};
 
+    // Else a program that reads its standard input would wait for ever, and the panel for it.
+    process.closeWriteChannel();
     process.waitForFinished(NoTimeout);
     return {process.readAllStandardOutput(), process.exitCode()};
 }

@@ -11,7 +11,7 @@
     Returns the whole standard output (a QByteArray) and the exit code (an int), in this order, or
     an empty list when the program could not be started within 30000 milliseconds. A program killed
     by a signal yields what it had written and the exit code that QProcess reports. Standard error
-    is not read.
+    is not read. Standard input is at its end from the start.
 
     Blocks the calling thread without running an event loop, and without a limit once the program
     has started. Meant for short commands; use QProcess::startDetached() for programs that outlive

@@ -50,6 +50,8 @@ void tst_executeInMain::yieldsOutputAndExitCode_data()
                                 << QByteArray(Megabyte, 'x') << 0;
     QTest::newRow("a megabyte of standard error")
             << "head -c 1048576 /dev/zero | tr '\\0' x >&2; echo done" << QByteArray("done\n") << 0;
+    // Its standard input is at its end from the start.
+    QTest::newRow("reads standard input") << "cat; echo end" << QByteArray("end\n") << 0;
     QTest::newRow("output that comes late") << "sleep 0.2; echo late" << QByteArray("late\n") << 0;
     QTest::newRow("killed: output so far, number of the signal")
             << "echo half; kill -KILL $$; echo never" << QByteArray("half\n") << 9;

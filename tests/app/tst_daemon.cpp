@@ -1,4 +1,6 @@
 #include "app/daemon.h"
+#include "app/executeInMain.h"
+#include "tests/support/ShimFolder.h"
 #include "tests/support/files.h"
 
 #include <QDir>
@@ -44,8 +46,11 @@ private slots:
     void init();
     void runsCommandsInBash();
     void probesByName();
-    void asksForTheFiguresOfAProcess_data();
+    void probeTellsTheDaemonFromItsNeighbours_data();
+    void probeTellsTheDaemonFromItsNeighbours();
     void asksForTheFiguresOfAProcess();
+    void readsTheFigures_data();
+    void readsTheFigures();
     void readsTheAnswerOfTheProbe_data();
     void readsTheAnswerOfTheProbe();
     void readsNothingOutOfAnEmptyResult();
@@ -77,26 +82,96 @@ void tst_daemon::probesByName()
              QStringLiteral("pgrep -lf Corvane | grep -w Corvane | awk '{print $1}'"));
 }
 
-void tst_daemon::asksForTheFiguresOfAProcess_data()
+void tst_daemon::probeTellsTheDaemonFromItsNeighbours_data()
 {
-    QTest::addColumn<qint64>("pid");
-    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<bool>("isFound");
 
-    QTest::newRow("one") << 1LL << "ps -o comm,pid,user,etime,%cpu,%mem -p 1 | grep -w Corvane";
-    QTest::newRow("four digits") << 1234LL
-                                 << "ps -o comm,pid,user,etime,%cpu,%mem -p 1234 | grep -w Corvane";
-    QTest::newRow("none") << 0LL << "ps -o comm,pid,user,etime,%cpu,%mem -p 0 | grep -w Corvane";
-    QTest::newRow("negative") << -1LL
-                              << "ps -o comm,pid,user,etime,%cpu,%mem -p -1 | grep -w Corvane";
-    QTest::newRow("64 bits")
-            << Largest
-            << "ps -o comm,pid,user,etime,%cpu,%mem -p 9223372036854775807 | grep -w Corvane";
+    const auto row = [](const char *name, bool isFound) {
+        QTest::newRow(name) << QByteArray(name) << isFound;
+    };
+    row("Corvane", true);
+    row("corvane", false);
+    row("CORVANE", false);
+    row("CorvaneX", false);
+    row("XCorvane", false);
+    row("Corvane2", false);
+    row("Corvane_x", false);
+    row("Corvan", false);
+    row("corvane-panel", false);
+    // A whole word is all that counts, and a word ends at a hyphen, dot or blank.
+    row("Corvane-x", true);
+    row("x-Corvane", true);
+    row("Corvane.bin", true);
+    row("Corvane x", true);
+}
+
+void tst_daemon::probeTellsTheDaemonFromItsNeighbours()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(bool, isFound);
+    ShimFolder shims;
+    shims.addPrinting(QStringLiteral("pgrep"), "1234 " + name + '\n');
+
+    const QList<QVariant> result =
+            executeInMain(Daemon::shell(), Daemon::shellArguments(Daemon::probeCommand()));
+
+    QCOMPARE(Daemon::outputText(result), isFound ? QStringLiteral("1234\n") : QString());
+    QCOMPARE(Daemon::daemonFound(result), isFound);
 }
 
 void tst_daemon::asksForTheFiguresOfAProcess()
 {
-    QFETCH(qint64, pid);
-    QTEST(Daemon::detailCommand(pid), "command");
+    const QString command = Daemon::detailCommand(1234);
+    QCOMPARE(command,
+             QStringLiteral("ps -o comm,pid,user,etime,%cpu,%mem -p 1234 | grep -w Corvane"));
+    for (const qint64 pid : {0LL, -1LL, 12LL, qlonglong(Largest)}) {
+        QString expected = command;
+        expected.replace(QStringLiteral("1234"), QString::number(pid));
+        QCOMPARE(Daemon::detailCommand(pid), expected);
+    }
+}
+
+void tst_daemon::readsTheFigures_data()
+{
+    QTest::addColumn<QString>("detail");
+    QTest::addColumn<QString>("texts");
+
+    QTest::newRow("as ps writes them") << "Corvane            1234 alice       01:02:03  0.5  1.2\n"
+                                       << "Corvane|1234|alice|01:02:03|0.5%|1.2%";
+    QTest::newRow("several days") << "Corvane 77 bob 5-00:00:01 99.9 0.0\n"
+                                  << "Corvane|77|bob|5-00:00:01|99.9%|0.0%";
+    QTest::newRow("blanks at both ends") << "  Corvane 1 a b c d  \n"
+                                         << "Corvane|1|a|b|c%|d%";
+    QTest::newRow("too few") << "Corvane 55 alice 01:02:03 0.5\n"
+                             << "Corvane|55|alice|01:02:03|0.5%";
+    QTest::newRow("too many") << "Corvane 56 alice 01:02:03 0.5 1.2 x y\n"
+                              << "Corvane|56|alice|01:02:03|0.5%|1.2%|x|y";
+    // The line feed stays in the middle of a value.
+    QTest::newRow("two lines") << "Corvane 57 a b c d\nCorvane 58 e f g h\n"
+                               << "Corvane|57|a|b|c%|d\nCorvane%|58|e|f|g|h";
+    QTest::newRow("tabs separate nothing") << "Corvane\t58 alice 01:02:03 0.5 1.2\n"
+                                           << "Corvane\t58|alice|01:02:03|0.5|1.2%";
+    QTest::newRow("tabs count as part of a value") << "Corvane 59 a\tb c 0.5 1.2\n"
+                                                   << "Corvane|59|a\tb|c|0.5%|1.2%";
+    // The line feed that stands for a value is skipped, and still counts for the place.
+    QTest::newRow("a value of white space") << "Corvane 60 \n a b 0.5 Corvane\n"
+                                            << "Corvane|60|a|b%|0.5%|Corvane";
+    QTest::newRow("white space around values") << "\tCorvane\t 61\r a\v b\f \tc \r1.2\r\n"
+                                               << "Corvane|61|a|b|c%|1.2%";
+    QTest::newRow("decimal commas and text that isn't ASCII")
+            << "Corvane 62 王小明 01:02 0,5 1,2\n"
+            << "Corvane|62|王小明|01:02|0,5%|1,2%";
+    QTest::newRow("nothing") << ""
+                             << "";
+    QTest::newRow("only white space") << " \n "
+                                      << "";
+}
+
+void tst_daemon::readsTheFigures()
+{
+    QFETCH(QString, detail);
+    QTEST(Daemon::figureTexts(detail).join(QLatin1Char('|')), "texts");
 }
 
 void tst_daemon::readsTheAnswerOfTheProbe_data()

@@ -43,7 +43,7 @@ void tst_OverviewFormRepaint::init()
 {
     m_shims = std::make_unique<ShimFolder>();
     m_shims->addPrinting(QStringLiteral("pgrep"), "1234 Corvane\n");
-    m_shims->addPrinting(QStringLiteral("ps"), "Corvane  1234 alice    01:02:03  0.5  1.2\n");
+    m_shims->addPrinting(QStringLiteral("ps"), aliceLine());
 }
 
 void tst_OverviewFormRepaint::cleanup()

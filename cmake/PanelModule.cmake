@@ -1,7 +1,7 @@
 # panel_add_module(<module> SOURCES ... [FORMS ...] [PUBLIC ...] [PRIVATE ...])
 #
 # Declares the static library panel_<module>. PUBLIC and PRIVATE name the libraries and modules that it
-# may use. The headers of its forms (ui_X.h) are public, so that whoever links the module can include
+# links. The headers of its forms (ui_X.h) are public, so that whoever links the module can include
 # them.
 function(panel_add_module module)
     cmake_parse_arguments(PARSE_ARGV 1 MODULE "" "" "SOURCES;FORMS;PUBLIC;PRIVATE")

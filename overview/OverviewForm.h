@@ -15,11 +15,11 @@ class Ui_OverviewForm;
     The run-status page: tells whether the daemon runs and shows its process figures, opens the
     maker's two web pages, and repairs a daemon that has died.
 
-    The page asks the system for the daemon once while it is constructed and then every 3000
-    milliseconds for as long as it lives. Each time the thread waits for two short shell pipelines.
-    A repair blocks the thread for 2 seconds when the daemon runs and for 5 to 14 when it doesn't,
-    and ends with a message box; refreshes go on behind the box. The page has no signals: what it
-    finds out is what it shows.
+    The page asks the system for the daemon once while it is constructed and then periodically for
+    as long as it lives. Each time the thread waits for two short shell pipelines. A repair blocks
+    the thread, for longer when the daemon doesn't run (see repairWaitSeconds()), and ends with a
+    message box; refreshes go on behind the box. The page has no signals: what it finds out is what
+    it shows.
 */
 class OverviewForm : public QWidget
 {

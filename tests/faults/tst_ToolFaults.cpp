@@ -49,13 +49,13 @@ const Fault Faults[] = {
          "printf '\\x00\\xff\\x01 Corvane\\n1234 Corvane\\n'", Unknown, false},
 
         {"pgrep dies at once", "pgrep", "kill -SEGV $$", Unknown, false},
-        {"pgrep dies behind its answer", "pgrep", "echo 1234 Corvane; kill -SEGV $$", AlicePid,
+        {"pgrep dies after its answer", "pgrep", "echo 1234 Corvane; kill -SEGV $$", AlicePid,
          true},
         {"ps dies at once", "ps", "kill -KILL $$", AlicePid, false},
         {"ps dies within its answer", "ps", "echo -n 'Corvane 1234 ali'; kill -KILL $$", AlicePid,
          false},
         {"grep dies", "grep", "kill -ABRT $$", Unknown, false},
-        {"awk dies behind its answer", "awk", "echo 1234; kill -ABRT $$", Unknown, false},
+        {"awk dies after its answer", "awk", "echo 1234; kill -ABRT $$", Unknown, false},
         {"the probe's shell is killed", "pgrep", "kill -KILL $PPID", Unknown, false},
         {"the other shell is killed", "ps", "kill -KILL $PPID", AlicePid, false},
         {"pgrep closes its output", "pgrep", "exec >&-; echo 1234 Corvane", Unknown, false},
@@ -66,7 +66,7 @@ const Fault Faults[] = {
 /*!
     The run-status page when the tools that it relies on misbehave or the system refuses it what it
     needs: what it shows meanwhile follows its rules, it recovers with the next refresh once the
-    fault is gone, and nothing is left behind.
+    fault is gone, and it holds no more than before.
 */
 class tst_ToolFaults : public QObject
 {

@@ -158,9 +158,9 @@ def check_table(panel):
     command, pid, user, running, cpu, memory = row
     compare("process", command, "Corvane")
     compare("name of process " + pid, os.readlink(f"/proc/{pid}/exe").split("/")[-1], "Corvane")
-    # As ps writes it: it cuts off a long name.
-    listed = subprocess.check_output(["ps", "-o", "user=", "-p", pid], text=True)
-    compare("user", user, listed.strip())
+    # As ps writes it with a column behind it: it cuts off a long name.
+    listed = subprocess.check_output(["ps", "-o", "user=", "-o", "pid=", "-p", pid], text=True)
+    compare("user", [user, pid], listed.split())
     for value, form in ((running, r"\d\d:\d\d"), (cpu, r"\d+\.\d%"), (memory, r"\d+\.\d%")):
         if not re.fullmatch(form, value):
             sys.exit(f"{value} isn't of the form {form}")

@@ -15,11 +15,13 @@ constexpr int RefreshTimeoutMs = 20000;
 //! What the system's own ps says of process \a pid in the field \a field.
 QString processField(qint64 pid, const QString &field)
 {
+    // With a column behind it: newer versions of ps cut off a long name only there.
     QProcess process;
-    process.start(QStringLiteral("ps"), {QStringLiteral("-o"), field + QLatin1Char('='),
-                                         QStringLiteral("-p"), QString::number(pid)});
+    process.start(QStringLiteral("ps"),
+                  {QStringLiteral("-o"), field + QLatin1Char('='), QStringLiteral("-o"),
+                   QStringLiteral("pid="), QStringLiteral("-p"), QString::number(pid)});
     process.waitForFinished();
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    return QString::fromUtf8(process.readAllStandardOutput()).simplified().section(u' ', 0, 0);
 }
 
 //! What the row has to show of process \a pid now.

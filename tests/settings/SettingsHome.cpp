@@ -1,4 +1,6 @@
 #include "tests/settings/SettingsHome.h"
+
+#include "settings/SettingsForm.h"
 #include "tests/support/files.h"
 
 #include <QCheckBox>
@@ -6,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QMetaProperty>
 #include <QSpinBox>
 
 #include <sys/stat.h>
@@ -14,18 +17,10 @@ namespace {
 
 constexpr const char *ConfigVariable = "XDG_CONFIG_HOME";
 
-template<typename Widget>
-Widget *field(const QWidget &page, const char *name)
+bool isField(const QWidget *widget)
 {
-    auto *widget = page.findChild<Widget *>(QLatin1String(name));
-    if (!widget)
-        qFatal("the page has no %s", name);
-    return widget;
-}
-
-QString number(const QWidget &page, const char *name)
-{
-    return QString::number(field<QSpinBox>(page, name)->value());
+    return qobject_cast<const QComboBox *>(widget) || qobject_cast<const QCheckBox *>(widget)
+           || qobject_cast<const QSpinBox *>(widget);
 }
 
 } // namespace
@@ -88,14 +83,17 @@ QStringList SettingsHome::entries() const
             QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-QSpinBox *numberField(const QWidget &page, const char *objectName)
+QSpinBox *numberField(const QWidget &page, const char *name)
 {
-    return field<QSpinBox>(page, objectName);
+    auto *field = page.findChild<QSpinBox *>(QLatin1String(name));
+    if (!field)
+        qFatal("the page has no %s", name);
+    return field;
 }
 
-void changeNumber(const QWidget &page, const char *objectName, int value)
+void changeNumber(const QWidget &page, const char *name, int value)
 {
-    numberField(page, objectName)->setValue(value);
+    numberField(page, name)->setValue(value);
     QCoreApplication::processEvents();
 }
 
@@ -106,27 +104,42 @@ QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByte
 
 QStringList shown(const QWidget &page)
 {
-    return {field<QComboBox>(page, "cbLogLevel")->currentText(),
-            number(page, "spinLogDays"),
-            field<QCheckBox>(page, "cbRpcLog")->isChecked() ? QStringLiteral("on")
-                                                            : QStringLiteral("off"),
-            number(page, "spinRpcTimeout"),
-            number(page, "spinThreadNums"),
-            number(page, "spinPullMessage"),
-            number(page, "spinStatusUpdate"),
-            number(page, "spinUpload")};
+    QStringList texts;
+    const QList<QWidget *> widgets = page.findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        if (isField(widget)) {
+            const QVariant value = widget->metaObject()->userProperty().read(widget);
+            texts.append(widget->objectName() + QLatin1Char('=') + value.toString());
+        }
+    }
+    return texts;
 }
 
 QStringList defaults()
 {
-    return {QStringLiteral("信息"), QStringLiteral("30"), QStringLiteral("off"),
-            QStringLiteral("30"),   QStringLiteral("5"),  QStringLiteral("10"),
-            QStringLiteral("3"),    QStringLiteral("3")};
+    static const QStringList texts = [] {
+        const SettingsHome home;
+        return shown(SettingsForm());
+    }();
+    return texts;
 }
 
-QStringList defaultsBut(int index, const QString &text)
+QStringList defaultsBut(const char *name, const QString &value)
 {
-    QStringList texts = defaults();
-    texts[index] = text;
+    return replaced(defaults(), name, value);
+}
+
+QStringList replaced(QStringList texts, const char *name, const QString &value)
+{
+    const QString start = QLatin1String(name) + QLatin1Char('=');
+    int count = 0;
+    for (QString &text : texts) {
+        if (text.startsWith(start)) {
+            text = start + value;
+            ++count;
+        }
+    }
+    if (count != 1)
+        qFatal("%d fields are called %s", count, name);
     return texts;
 }

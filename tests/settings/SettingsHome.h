@@ -49,56 +49,58 @@ private:
     QByteArray m_formerConfig;
 };
 
-//! The fields in reading order, as the index of shown().
-enum Field {
-    LogLevel,
-    LogDays,
-    RpcLogs,
-    RpcTimeout,
-    RpcThreads,
-    MsgPull,
-    MsgUpdate,
-    MsgUpload,
-    FieldCount
-};
-
-//! A number among the settings: its key in the file, its field on the page, default and range.
+//! A number among the settings: its key in the file, and its field on the page.
 struct NumberSetting
 {
     const char *section;
     const char *name;
-    const char *objectName;
-    Field field;
-    int initial;
-    int minimum;
-    int maximum;
+    const char *field;
 };
 
-constexpr std::array<NumberSetting, 6> NumberSettings = {{
-        {"log", "days", "spinLogDays", LogDays, 30, 10, 30},
-        {"rpc", "timeout", "spinRpcTimeout", RpcTimeout, 30, 10, 60},
-        {"rpc", "threads", "spinThreadNums", RpcThreads, 5, 1, 8},
-        {"msg", "pullInterval", "spinPullMessage", MsgPull, 10, 5, 30},
-        {"msg", "updateInterval", "spinStatusUpdate", MsgUpdate, 3, 1, 10},
-        {"msg", "uploadInterval", "spinUpload", MsgUpload, 3, 1, 30},
-}};
+inline constexpr std::array NumberSettings = {
+        NumberSetting {"log", "days", "spinLogDays"},
+        NumberSetting {"rpc", "timeout", "spinRpcTimeout"},
+        NumberSetting {"rpc", "threads", "spinThreadNums"},
+        NumberSetting {"msg", "pullInterval", "spinPullMessage"},
+        NumberSetting {"msg", "updateInterval", "spinStatusUpdate"},
+        NumberSetting {"msg", "uploadInterval", "spinUpload"},
+};
 
-//! The field \a objectName of the settings page \a page.
-QSpinBox *numberField(const QWidget &page, const char *objectName);
+//! The fields of the settings that are no numbers.
+inline constexpr const char *LevelField = "cbLogLevel";
+inline constexpr const char *SwitchField = "cbRpcLog";
 
-//! Sets \a field of \a page to \a value and lets the change be written.
-void changeNumber(const QWidget &page, const char *objectName, int value);
+//! A level of logging, as the page shows it and as the file holds it.
+struct Level
+{
+    const char *name;
+    const char *stored;
+};
+
+inline constexpr std::array Levels = {
+        Level {"调试", "\\x8c03\\x8bd5"}, Level {"信息", "\\x4fe1\\x606f"},
+        Level {"警告", "\\x8b66\\x544a"}, Level {"错误", "\\x9519\\x8bef"},
+        Level {"致命", "\\x81f4\\x547d"},
+};
+
+//! The number field \a name of the settings page \a page.
+QSpinBox *numberField(const QWidget &page, const char *name);
+
+//! Sets the number field \a name of \a page to \a value and lets the change be written.
+void changeNumber(const QWidget &page, const char *name, int value);
 
 //! A settings file with a single key.
 QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByteArray &value);
 
 /*!
-    What the eight fields of the settings page \a page show, in reading order: the level's text, the
-    switch as "on" or "off", and the numbers.
+    What every field of the settings page \a page shows, each as "name=value", in reading order: the
+    level's text, "true" or "false" for the switch, and the numbers.
 */
 QStringList shown(const QWidget &page);
 
 //! What a page shows that has read nothing.
 QStringList defaults();
-//! The same, with \a text in the place of field \a index.
-QStringList defaultsBut(int index, const QString &text);
+//! The same, with \a value in the field \a name.
+QStringList defaultsBut(const char *name, const QString &value);
+//! \a texts, with \a value in the field \a name.
+QStringList replaced(QStringList texts, const char *name, const QString &value);

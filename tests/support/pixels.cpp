@@ -129,12 +129,13 @@ QString colorsOf(const QImage &image)
     return result.join(QStringLiteral(", "));
 }
 
-QString waitForColors(const QRect &part, const QVector<QRgb> &colors, int timeoutMs)
+QString waitForColors(const std::function<QRect()> &part, const QVector<QRgb> &colors,
+                      int timeoutMs)
 {
     QImage shown;
     QStringList missing;
     const auto areShown = [&] {
-        shown = screenshot(part);
+        shown = screenshot(part());
         missing.clear();
         for (const QRgb color : colors) {
             if (countPixels(shown, color) == 0)

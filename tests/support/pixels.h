@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 // What tests ask of the screen and of images. All sizes are in the image's own pixels, whatever its
 // device pixel ratio.
 
@@ -65,10 +67,12 @@ QRegion differingPixels(const QImage &one, const QImage &other, double leastCont
 QString colorsOf(const QImage &image);
 
 /*!
-    Waits until the screen shows each of \a colors somewhere in \a part. Returns an empty string
-    then; else, after \a timeoutMs milliseconds, which colours are missing and which were found.
+    Waits until the screen shows each of \a colors somewhere in \a part, which is asked for anew
+   each time. Returns an empty string then; else, after \a timeoutMs milliseconds, which colours are
+    missing and which were found.
 */
-QString waitForColors(const QRect &part, const QVector<QRgb> &colors, int timeoutMs = 5000);
+QString waitForColors(const std::function<QRect()> &part, const QVector<QRgb> &colors,
+                      int timeoutMs = 5000);
 
 //! A square of one colour.
 QPixmap filledPixmap(const QColor &color, int side);

@@ -2,7 +2,7 @@
 // panel's commands by the panel's own executeInMain() and does nothing with their output.
 //
 //   baseline            the window
-//   baseline start-up   the same, behind the commands that the panel's start-up waits for
+//   baseline start-up   the same, after the commands that the panel's start-up waits for
 //   baseline refresh    the window; for each byte on standard input runs one refresh's commands
 //                       and writes what they took, a Times, to standard output
 

@@ -80,7 +80,7 @@ std::string file(const char *name)
     return "/proc/" + std::to_string(child) + '/' + name;
 }
 
-//! The sum of the numbers behind \a name in a file of lines "name: number".
+//! The sum of the numbers after \a name in a file of lines "name: number".
 long field(const char *fileName, const std::string &name)
 {
     std::ifstream stream(file(fileName));

@@ -18,7 +18,7 @@ class Ui_OverviewForm;
     The page asks the system for the daemon once while it is constructed and then periodically for
     as long as it lives. Each time the thread waits for two short shell pipelines. A repair blocks
     the thread, for longer when the daemon doesn't run (see repairWaitSeconds()), and ends with a
-    message box; refreshes go on behind the box. The page has no signals: what it finds out is what
+    message box; refreshes go on under the box. The page has no signals: what it finds out is what
     it shows.
 */
 class OverviewForm : public QWidget

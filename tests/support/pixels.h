@@ -67,9 +67,9 @@ QRegion differingPixels(const QImage &one, const QImage &other, double leastCont
 QString colorsOf(const QImage &image);
 
 /*!
-    Waits until the screen shows each of \a colors somewhere in \a part, which is asked for anew
-   each time. Returns an empty string then; else, after \a timeoutMs milliseconds, which colours are
-    missing and which were found.
+    Waits until the screen shows each of \a colors somewhere in \a part, which is asked for each
+    time anew. Returns an empty string then; else, after \a timeoutMs milliseconds, which colours
+    are missing and which were found.
 */
 QString waitForColors(const std::function<QRect()> &part, const QVector<QRgb> &colors,
                       int timeoutMs = 5000);

@@ -1,4 +1,5 @@
 #include "tests/support/PanelProcess.h"
+#include "tests/support/WebShortcuts.h"
 #include "tests/support/contrast.h"
 #include "tests/support/files.h"
 #include "tests/support/pixels.h"
@@ -158,12 +159,14 @@ void tst_Looks::iconsAreSharp()
     panel.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(Ratio));
     QVERIFY(panel.start());
 
-    for (const char *name : {"kqfwdt", "kqzsk", "xfkqfw"}) {
-        const QImage button = panel.grab(QString::fromLatin1(name));
-        QCOMPARE(button.size(), QSize(160, 80) * Ratio);
-        const QImage icon =
-                button.copy(QRect(IconPlace.topLeft() * Ratio, IconPlace.size() * Ratio));
-        QVERIFY2(!isEnlarged(icon, Ratio), name);
+    QStringList buttons = {RepairButton};
+    for (const WebShortcut &shortcut : WebShortcuts)
+        buttons.append(QLatin1String(shortcut.button));
+    for (const QString &name : qAsConst(buttons)) {
+        const QImage button = panel.grab(name);
+        QCOMPARE(button.size(), panel.property(name, "size").toSize() * Ratio);
+        const QRect place(IconPlace.topLeft() * Ratio, IconPlace.size() * Ratio);
+        QVERIFY2(!isEnlarged(button.copy(place), Ratio), qPrintable(name));
     }
     const auto stripIcon = panel.property(StripIcon, "pixmap").value<QImage>();
     QCOMPARE(stripIcon.size(), QSize(18, 17) * Ratio);

@@ -1,5 +1,6 @@
 #include "tests/support/AskingTranslator.h"
 #include "tests/support/LayoutDump.h"
+#include "tests/support/WebShortcuts.h"
 #include "ui_OverviewForm.h"
 
 #include <QMap>
@@ -72,16 +73,14 @@ void tst_OverviewFormLayout::icons()
     const auto image = [](const QIcon &icon) {
         return icon.pixmap(32, 32, QIcon::Normal, QIcon::Off).toImage();
     };
-    const QMap<QString, QString> icons = {
-            {QStringLiteral("kqfwdt"), QStringLiteral("dt")},
-            {QStringLiteral("kqzsk"), QStringLiteral("zsk")},
-            {QStringLiteral("xfkqfw"), QStringLiteral("xf")},
-    };
+    QMap<QString, QString> icons = {{QStringLiteral("xfkqfw"), QStringLiteral("xf.ico")}};
+    for (const WebShortcut &shortcut : WebShortcuts)
+        icons.insert(QString::fromLatin1(shortcut.button), QString::fromLatin1(shortcut.icon));
     const QList<QPushButton *> buttons = m_form->findChildren<QPushButton *>();
     QVERIFY(!buttons.isEmpty());
     for (const QPushButton *button : buttons) {
         const QIcon icon(
-                QStringLiteral(":/client/resources/%1.ico").arg(icons.value(button->objectName())));
+                QStringLiteral(":/client/resources/%1").arg(icons.value(button->objectName())));
         QVERIFY2(!icon.isNull(), qPrintable(button->objectName()));
         QCOMPARE(image(button->icon()), image(icon));
     }

@@ -16,7 +16,7 @@
 */
 
 namespace {
-//! Opens what an object keeps for its subclasses.
+//! Exposes the protected receivers().
 struct Opener : QObject
 {
     using QObject::receivers;

@@ -96,7 +96,8 @@ void tst_TabTitle::takesItsParent()
 
 void tst_TabTitle::translatesItsTexts()
 {
-    QStringList expected = formTexts(TabTitle());
+    const Header untranslated;
+    QStringList expected = formTexts(untranslated.title);
     for (QString &text : expected) {
         if (!text.isEmpty())
             text = QStringLiteral("TabTitle|%1|").arg(text);
@@ -106,8 +107,9 @@ void tst_TabTitle::translatesItsTexts()
     const Header header;
 
     QCOMPARE(formTexts(header.title), expected);
-    QCOMPARE(header.tabWidget->tabText(0), QStringLiteral("运行状态"));
-    QCOMPARE(header.tabWidget->tabText(1), QStringLiteral("服务设置"));
+    // But for the tabs.
+    for (int i = 0; i < header.tabWidget->count(); ++i)
+        QCOMPARE(header.tabWidget->tabText(i), untranslated.tabWidget->tabText(i));
 }
 
 void tst_TabTitle::filtersTheLabel()
@@ -152,13 +154,17 @@ void tst_TabTitle::iconLabel()
 void tst_TabTitle::tabs()
 {
     Header header;
-    QCOMPARE(header.tabWidget->count(), 2);
-    QCOMPARE(header.tabWidget->currentIndex(), 0);
-    const char *const icons[] = {"overview.svg", "settings.svg"};
-    for (int i = 0; i < 2; ++i) {
+    const QVector<QPair<QString, const char *>> tabs = {
+            {QStringLiteral("运行状态"), "overview.svg"},
+            {QStringLiteral("服务设置"), "settings.svg"},
+    };
+    QCOMPARE(header.tabWidget->count(), tabs.size());
+    for (int i = 0; i < tabs.size(); ++i) {
+        const auto &[text, iconName] = tabs.at(i);
+        QCOMPARE(header.tabWidget->tabText(i), text);
         const QImage icon = header.tabWidget->tabIcon(i).pixmap(64).toImage();
         QVERIFY(!icon.isNull());
-        QCOMPARE(icon, QIcon(resource(icons[i])).pixmap(64).toImage());
+        QCOMPARE(icon, QIcon(resource(iconName)).pixmap(64).toImage());
 
         const QWidget *page = header.tabWidget->widget(i);
         QCOMPARE(page->metaObject(), &QWidget::staticMetaObject);
@@ -180,9 +186,9 @@ void tst_TabTitle::style()
 
     // The style measures the tabs, beneath the style sheet of the tab widget.
     QVERIFY(header.present());
-    for (int i = 0; i < 2; ++i)
-        QCOMPARE(header.tabWidget->tabBar()->tabRect(i).size(),
-                 QSize(styles.first()->adjustItemSize(), 32));
+    const QSize size(styles.first()->adjustItemSize(), 32);
+    for (int i = 0; i < header.tabWidget->count(); ++i)
+        QCOMPARE(header.tabWidget->tabBar()->tabRect(i).size(), size);
 }
 
 void tst_TabTitle::dragArea_data()
@@ -263,9 +269,6 @@ void tst_TabTitle::paintsTheBlueField()
     // White text on blue.
     const QRect name = header.label->geometry();
     QCOMPARE(name.topLeft(), QPoint(22, 0));
-    QVERIFY(name.width() >= 100);
-    QVERIFY(header.label->font().bold());
-    QCOMPARE(header.label->font().pixelSize(), 14);
     const QImage field = image.copy(name);
     QCOMPARE(field.pixelColor(name.width() - 1, 0), BlueField);
     QCOMPARE(field.pixelColor(0, 31), BlueField);

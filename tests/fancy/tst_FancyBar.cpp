@@ -354,7 +354,7 @@ void tst_FancyBar::menuBarBringsTheMenuRow()
     QCOMPARE(d.m_bMenuWidgetVisible, bringsRow);
     QCOMPARE(d.m_menuWidget->isHidden(), !bringsRow);
 
-    // Nothing that is so already is done once more.
+    // Calls that change nothing have no effect.
     d.showMenuWidget(true);
     menuBar.hide();
     d.m_menuWidget->hide();

@@ -231,7 +231,7 @@ void tst_FancyButtonEvents::clicksWhereItIsReleased()
     QVERIFY(!button->isChecked());
     QVERIFY(!data().m_bMousePress);
     QTRY_COMPARE(centre(), NormalRgb);
-    // The base never takes part.
+    // The base class never handles the events.
     QCOMPARE(pressed.count(), 0);
     QCOMPARE(released.count(), 0);
 }

@@ -28,7 +28,7 @@ enum Colors { Default, Opaque, Invalid };
 Q_DECLARE_METATYPE(State)
 Q_DECLARE_METATYPE(Colors)
 
-// Notes how a style is asked to draw the label of a tool button.
+// Records how a style is asked to draw the label of a tool button.
 class RecordingStyle : public QProxyStyle
 {
 public:

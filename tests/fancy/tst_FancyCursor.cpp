@@ -11,7 +11,7 @@
 namespace {
 constexpr QRect Window(0, 0, 100, 100);
 
-// The flags in their declared order, which every row below tests by the way.
+// The flags in their declared order, on which each row below depends.
 enum Flag : quint32 {
     None = 0x000,
     Edges = 0x001,
@@ -49,7 +49,7 @@ private slots:
 
 void tst_FancyCursor::startsOnNoEdge()
 {
-    // A member that the constructor leaves out keeps its ones.
+    // A member that the constructor doesn't set keeps the ones of its memory.
     alignas(FancyCursor) std::array<char, sizeof(FancyCursor)> memory {};
     memory.fill('\xff');
     const auto *cursor = new (memory.data()) FancyCursor;

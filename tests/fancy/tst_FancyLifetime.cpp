@@ -212,7 +212,8 @@ void tst_FancyLifetime::titleBarWatchesItsTitleWidgetOnce()
         QCOMPARE(watchers(second), before + 1);
     }
 
-    // The main widget may be its own strip, and is still known to be gone afterwards.
+    // The main widget may be its own title widget. Giving that up, the bar still watches for its
+    // end.
     const FancyTitleBarPrivate &d = *TitleBarData::of(*titleBar);
     const int mainBefore = watchers(*d.m_mainWidget);
     titleBar->setTitleWidget(d.m_mainWidget);

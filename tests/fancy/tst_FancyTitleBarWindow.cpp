@@ -323,7 +323,7 @@ void tst_FancyTitleBarWindow::systemMenuOpensAtTheButtonsCorner()
     QCOMPARE(data().m_menu->pos(), opener.mapToGlobal(QPoint(0, 25)));
     data().m_menu->hide();
 
-    // Coordinates are rounded one by one: 30 - 3 and 41 - 2, and the height beneath.
+    // Coordinates are rounded one by one, 30 - 3 and 41 - 2; the button's height comes on top.
     QMouseEvent fractions(QEvent::MouseButtonPress, QPointF(2.6, 2.4), QPointF(2.6, 2.4),
                           QPointF(30.4, 40.5), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&opener, &fractions);

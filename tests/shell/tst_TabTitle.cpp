@@ -228,7 +228,7 @@ void tst_TabTitle::dragArea()
 
 void tst_TabTitle::dragAreaCountsOnTheHiddenTabs()
 {
-    // Never laid out, the hidden tab widget keeps the size that child widgets are born with.
+    // Never laid out, the hidden tab widget keeps Qt's initial size of child widgets.
     Header header;
     header.title.showTabWidget(false);
     QVERIFY(header.present());

@@ -16,8 +16,7 @@ namespace {
 
 constexpr int TimeoutMs = 20000;
 
-//! What happens to a window between its set-up and a drag. Returns whether it is on the screen
-//! then.
+//! Does something to a window. Returns whether the window is on the screen then.
 using Change = bool (*)(Window &);
 
 //! Counts how often a widget gets another native window.
@@ -34,8 +33,7 @@ protected:
     }
 };
 
-//! Has Qt make another native window for the same QWindow. Returns whether it is on the screen
-//! then.
+//! Has Qt make another native window for the same QWindow. Returns whether it is shown then.
 bool replaceNativeWindow(Window &window)
 {
     const QPointer<QWindow> before = window.windowHandle();
@@ -48,7 +46,7 @@ bool replaceNativeWindow(Window &window)
            && QTest::qWaitForWindowExposed(&window, WindowTimeoutMs);
 }
 
-//! Has Qt make another QWindow. Returns whether it is on the screen then.
+//! Has Qt make another QWindow. Returns whether it is shown then.
 bool replaceQWindow(Window &window)
 {
     const QPointer<QWindow> before = window.windowHandle();
@@ -239,7 +237,7 @@ void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending()
     ServedWindow window;
     QVERIFY(window.present());
 
-    // Sent directly and with a time of their own, so that no move is reported between them.
+    // Sent directly and with timestamps of their own, so that no move is reported between them.
     ulong time = 1000;
     const auto send = [&](QEvent::Type type, const QPointF &screen) {
         const QPointF local = screen - WindowPosition;

@@ -79,6 +79,7 @@ private slots:
     void isReplacedDuringADrag();
     void pressesWhileAMoveIsPending_data();
     void pressesWhileAMoveIsPending();
+    void hidesThatThePointerLeavesDuringADrag();
     void startsFromWhereTheWindowWasPut();
     void dragsOverTwoScreens();
 };
@@ -261,6 +262,26 @@ void tst_WidgetWindowAgentDrag::pressesWhileAMoveIsPending()
     send(QEvent::MouseButtonRelease, from + 3 * distance);
 
     QVERIFY(comesTo(window, WindowPosition + result));
+}
+
+void tst_WidgetWindowAgentDrag::hidesThatThePointerLeavesDuringADrag()
+{
+    ServedWindow window;
+    QVERIFY(window.present());
+    xdotool(moveTo(WindowPosition + HeaderPoint));
+    QTRY_VERIFY(window.header->underMouse());
+
+    xdotool(press());
+    QTRY_COMPARE(window.answer.questions.size(), 1);
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(window.windowHandle(), &leave);
+    QVERIFY(window.header->underMouse());
+
+    xdotool(release());
+    QVERIFY(settle(window));
+    QVERIFY(window.page->underMouse());
+    QCoreApplication::sendEvent(window.windowHandle(), &leave);
+    QVERIFY(!window.page->underMouse());
 }
 
 void tst_WidgetWindowAgentDrag::startsFromWhereTheWindowWasPut()

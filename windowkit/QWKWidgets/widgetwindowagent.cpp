@@ -49,6 +49,11 @@ bool WidgetWindowAgent::eventFilter(QObject *watched, QEvent *event)
         return handleMove(*static_cast<QMouseEvent *>(event));
     case QEvent::MouseButtonRelease:
         return handleRelease(*static_cast<QMouseEvent *>(event));
+    case QEvent::Leave:
+        // In a fast drag the pointer leaves the window until that has caught up. Newer versions of
+        // Qt tell of that, but not of the return while a button is down: what the pointer comes
+        // upon next would miss its Enter.
+        return m_isDragging;
     case QEvent::Move:
         if (static_cast<QMoveEvent *>(event)->pos() == m_requested)
             m_isSettling = false;

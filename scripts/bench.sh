@@ -23,7 +23,7 @@ measure() {
     done
     "$build/bin/Corvane" &
     daemon=$!
-    trap 'kill "$daemon"' EXIT
+    trap 'kill %1' EXIT
 
     # hyperfine's CSV: the fourth field from the start of the figures is the median, in seconds.
     hyperfine --shell=none --warmup 3 --runs "$rounds" --style basic --export-csv start.csv \

@@ -8,7 +8,6 @@ its values, the stop of the daemon shows, and the buttons can be pressed.
 """
 
 import os
-import re
 import signal
 import subprocess
 import sys
@@ -23,35 +22,9 @@ from gi.repository import GLib  # noqa: E402
 PATIENCE = 20
 PAUSE = 0.02
 APPLICATION = "corvane-panel"
-HEADERS = ["进程", "PID", "启动用户", "运行时长", "CPU占用率", "内存占用率"]
 NOTICE = "统一服务未启动"
 REPAIR = "修复朔川服务"
 NO_REPAIR = "统一服务运行正常，无需修复。"
-
-# What there is to hear or to use on the first page, in its order; the table aside.
-SHOWN = [
-    ("label", "运行概况"),
-    ("tree", "运行概况"),
-    ("label", "常用网站"),
-    ("push button", "朔川服务大厅"),
-    ("push button", "朔川知识库"),
-    ("label", "软件修复"),
-    ("push button", REPAIR),
-    ("push button", "关闭"),
-    ("label", "朔川统一服务"),
-]
-
-# What the settings page holds behind it.
-FIELDS = [
-    ("combo box", "日志级别", ""),
-    ("spin button", "保留时间", "天"),
-    ("check box", "开启RPC日志", ""),
-    ("spin button", "超时时间", "秒"),
-    ("spin button", "任务调度线程数", ""),
-    ("spin button", "消息拉取频率", "分钟/次"),
-    ("spin button", "消息状态更新频率", "秒/次"),
-    ("spin button", "回执上传频率", "分钟/次"),
-]
 
 
 def within(node):
@@ -128,43 +101,23 @@ def cells(panel):
 
 
 def check_names(panel):
-    actual = [
-        (role_name(node), node.name)
-        for node in shown(panel, "label", "tree", "push button")
-        if node.name.strip() or role_name(node) != "label"
-    ]
-    # The frame of the node table is hidden, but Qt calls the table in it showing.
-    compare("what is shown", [entry for entry in actual if entry != ("tree", "服务节点")], SHOWN)
-
-    roles = ("combo box", "spin button", "check box")
-    compare(
-        "fields of the settings page",
-        [
-            (role_name(node), field_name(node), node.description)
-            for node in within(panel)
-            if role_name(node) in roles
-        ],
-        FIELDS,
-    )
+    """What the names are is tested where they are given: here, that a client is told them."""
+    to_use = ("tree", "push button", "combo box", "spin button", "check box")
+    used = [node for node in within(panel) if role_name(node) in to_use]
+    compare("roles", sorted({role_name(node) for node in used}), sorted(to_use))
+    compare("nameless", [role_name(node) for node in used if not field_name(node).strip()], [])
+    compare("named with a blank", [node.name for node in used if node.name.startswith(" ")], [])
 
 
 def check_table(panel):
     """Returns the PID that the row shows."""
     row = wait_for("the row", lambda: cells(panel))
-    compare(
-        "headers", [header.name for header in shown(panel, "table column header")], HEADERS
-    )
-    compare("number of values", len(row), len(HEADERS))
-    command, pid, user, running, cpu, memory = row
+    headers = [header.name for header in shown(panel, "table column header")]
+    compare("number of values", len(row), len(headers))
+    compare("empty", [text for text in headers + row if not text.strip()], [])
+    command, pid = row[:2]
     compare("process", command, "Corvane")
     compare("name of process " + pid, os.readlink(f"/proc/{pid}/exe").split("/")[-1], "Corvane")
-    # As ps writes it with a column behind it: it cuts off a long name.
-    listed = subprocess.check_output(["ps", "-o", "user=", "-o", "pid=", "-p", pid], text=True)
-    compare("user", [user, pid], listed.split())
-    for value, form in ((running, r"\d\d:\d\d"), (cpu, r"\d+\.\d%"), (memory, r"\d+\.\d%")):
-        if not re.fullmatch(form, value):
-            sys.exit(f"{value} isn't of the form {form}")
-
     compare("the notice", labelled(panel, "label", NOTICE), [])
     return int(pid)
 

@@ -34,6 +34,8 @@ own=$(echo _FORTIFY_SOURCE | "$compiler" -O2 -E -P -x c++ - | tail -n 1)
 [ "$own" != _FORTIFY_SOURCE ] || own=0
 
 failures=0
+# CMake would take flags from them, such as those of a package's build.
+unset CPPFLAGS CXXFLAGS
 level_is $((own > 2 ? own : 2))
 level_is 2 -DCMAKE_CXX_FLAGS='-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=1'
 level_is 3 -DCMAKE_CXX_FLAGS='-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3'

@@ -19,7 +19,8 @@ gi.require_version("Atspi", "2.0")
 import pyatspi  # noqa: E402
 from gi.repository import GLib  # noqa: E402
 
-PATIENCE = 20
+# Exceeded by a hang only.
+PATIENCE = 60
 PAUSE = 0.02
 APPLICATION = "corvane-panel"
 NOTICE = "统一服务未启动"
@@ -55,6 +56,15 @@ def labelled(root, role, name):
     return [node for node in shown(root, role) if node.name == name]
 
 
+def on_bus():
+    """What to tell of the accessibility bus where a wait was in vain."""
+    try:
+        names = [node.name for node in pyatspi.Registry.getDesktop(0) if node]
+    except GLib.Error as error:
+        return f"no answer: {error.message}"
+    return ", ".join(names) or "no application: its services or Qt's bridge haven't started"
+
+
 def wait_for(what, question):
     """What QUESTION answers as soon as that is anything; the panel may be busy meanwhile."""
     deadline = time.monotonic() + PATIENCE
@@ -66,7 +76,7 @@ def wait_for(what, question):
         if answer:
             return answer
         time.sleep(PAUSE)
-    sys.exit(f"waited in vain for {what}")
+    sys.exit(f"waited {PATIENCE} s in vain for {what}; on the accessibility bus there is {on_bus()}")
 
 
 def compare(what, actual, expected):

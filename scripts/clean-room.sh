@@ -82,10 +82,10 @@ else
     # ps cuts off a name of more than eight letters.
     (inside useradd --create-home --shell /bin/bash developer)
     clone home/developer/panel developer
-    echo 'developer ALL=(ALL) NOPASSWD: ALL' >"$root/etc/sudoers.d/developer"
     user=(runuser --login developer --command)
 fi
 if [ "$form" = --user ]; then
+    echo 'developer ALL=(ALL) NOPASSWD: ALL' >"$root/etc/sudoers.d/developer"
     try run "${user[@]}" /home/developer/panel/scripts/run.sh
     try test "${user[@]}" /home/developer/panel/scripts/test.sh
 elif [ "$form" = --plain ]; then

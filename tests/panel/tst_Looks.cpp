@@ -85,13 +85,13 @@ private slots:
 
 private:
     //! Looks for the colours that the table lists for \a state. Returns what is wrong with them.
-    QStringList verifyColors(PanelProcess &panel, const QString &state);
+    QString verifyColors(PanelProcess &panel, const QString &state);
 
     //! The states of the table that no one has looked at.
     QSet<QString> m_unseen;
 };
 
-QStringList tst_Looks::verifyColors(PanelProcess &panel, const QString &state)
+QString tst_Looks::verifyColors(PanelProcess &panel, const QString &state)
 {
     m_unseen.remove(state);
     QStringList wrong;
@@ -107,7 +107,7 @@ QStringList tst_Looks::verifyColors(PanelProcess &panel, const QString &state)
         if (contrast(pair.color, pair.background) < pair.leastContrast)
             wrong.append(pair.what + QStringLiteral(": too little contrast"));
     }
-    return wrong;
+    return wrong.join(QStringLiteral("; "));
 }
 
 void tst_Looks::listedColorsAreShown()
@@ -122,18 +122,18 @@ void tst_Looks::listedColorsAreShown()
     {
         PanelProcess panel;
         QVERIFY(panel.start());
-        QCOMPARE(verifyColors(panel, QStringLiteral("idle")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("idle")), QString());
 
         PanelProcess::moveMouse(placeOf(panel, HallButton).center());
-        QCOMPARE(verifyColors(panel, QStringLiteral("hovered")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("hovered")), QString());
 
         PanelProcess::pressButton();
-        QCOMPARE(verifyColors(panel, QStringLiteral("pressed")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("pressed")), QString());
         PanelProcess::moveMouse(Aside);
         PanelProcess::releaseButton();
 
         PanelProcess::moveMouse(placeOf(panel, Close).center());
-        QCOMPARE(verifyColors(panel, QStringLiteral("close hovered")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("close hovered")), QString());
         PanelProcess::moveMouse(Aside);
     }
     {
@@ -141,11 +141,11 @@ void tst_Looks::listedColorsAreShown()
         panel.placeDaemon();
         QVERIFY(panel.start());
         QTRY_COMPARE(panel.rowTexts(Table).size(), 1);
-        QCOMPARE(verifyColors(panel, QStringLiteral("running")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("running")), QString());
 
         panel.click(RepairButton);
         QTRY_VERIFY(panel.messageBox());
-        QCOMPARE(verifyColors(panel, QStringLiteral("message box")), QStringList());
+        QCOMPARE(verifyColors(panel, QStringLiteral("message box")), QString());
     }
     QCOMPARE(m_unseen, QSet<QString>());
 }

@@ -17,6 +17,9 @@ const auto ShortcutButton = QStringLiteral("kqzsk");
 const auto RepairButton = QStringLiteral("xfkqfw");
 const auto Box = QStringLiteral("QMessageBox");
 
+//! On the screen.
+constexpr QPoint Aside(0, 0);
+
 // In window coordinates.
 //! A place of the strip that drags.
 constexpr QPoint Grip(400, 16);
@@ -54,9 +57,10 @@ private:
     QPoint position();
     //! Where the X server has it.
     QPoint placeOnTheServer();
-    //! Drags by \a way from \a grip in window coordinates. Returns whether the panel has handled
-    //! all of it.
-    bool drag(const QPoint &grip, const QPoint &way);
+    //! Presses the button at \a grip in window coordinates and moves the mouse by \a way.
+    void beginDrag(const QPoint &grip, const QPoint &way);
+    //! Releases the button. Returns whether the panel has handled all of the drag.
+    bool endDrag();
     bool isHovered(const QString &button);
     QColor closeButtonColor();
 
@@ -65,7 +69,7 @@ private:
 
 void tst_Window::init()
 {
-    PanelProcess::moveMouse(QPoint(0, 0));
+    PanelProcess::moveMouse(Aside);
     m_panel = std::make_unique<PanelProcess>();
 }
 
@@ -86,13 +90,18 @@ QPoint tst_Window::placeOnTheServer()
     return serverWindow(m_panel->windowId(Window)).geometry.topLeft();
 }
 
-bool tst_Window::drag(const QPoint &grip, const QPoint &way)
+void tst_Window::beginDrag(const QPoint &grip, const QPoint &way)
 {
     const QPoint from = position() + grip;
     PanelProcess::moveMouse(from);
-    if (!QTest::qWaitFor([this] { return !isHovered(ShortcutButton); }))
-        return false;
-    xdotool(::drag(from, from + way));
+    PanelProcess::pressButton();
+    PanelProcess::moveMouse(from + way / 2);
+    PanelProcess::moveMouse(from + way);
+}
+
+bool tst_Window::endDrag()
+{
+    PanelProcess::releaseButton();
     // Events come in order: what came before the hovering has been handled.
     return QTest::qWaitFor([this] {
         PanelProcess::moveMouse(m_panel->globalRect(ShortcutButton).center());
@@ -116,11 +125,16 @@ void tst_Window::dragsByTheStripOnly()
     QVERIFY(m_panel->start());
     const QPoint start = position();
 
-    QVERIFY(drag(Grip, way));
+    beginDrag(Grip, way);
     QTRY_COMPARE(position(), start + way);
     QTRY_COMPARE(placeOnTheServer(), start + way);
+    QVERIFY(endDrag());
+    QCOMPARE(position(), start + way);
 
-    QVERIFY(drag(Page, way));
+    PanelProcess::moveMouse(Aside);
+    QTRY_VERIFY(!isHovered(ShortcutButton));
+    beginDrag(Page, way);
+    QVERIFY(endDrag());
     QCOMPARE(position(), start + way);
     QCOMPARE(placeOnTheServer(), start + way);
 }
@@ -128,7 +142,11 @@ void tst_Window::dragsByTheStripOnly()
 void tst_Window::closesByItsButtonAfterADrag()
 {
     QVERIFY(m_panel->start());
-    QVERIFY(drag(Grip, QPoint(-120, 60)));
+    const QPoint way(-120, 60);
+    const QPoint start = position();
+    beginDrag(Grip, way);
+    QTRY_COMPARE(placeOnTheServer(), start + way);
+    QVERIFY(endDrag());
 
     QVERIFY(closeButtonColor() != CloseHoverColor);
     PanelProcess::moveMouse(position() + CloseButton);

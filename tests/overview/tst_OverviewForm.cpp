@@ -38,7 +38,7 @@ enum class Line { None, Alice, OneFieldLess, OneFieldMore, Twice, AnotherProgram
 
 QByteArray lineOf(Line line)
 {
-    const QByteArray alice = aliceLine();
+    QByteArray alice = aliceLine();
     switch (line) {
     case Line::None:
         return {};
@@ -51,7 +51,7 @@ QByteArray lineOf(Line line)
     case Line::Twice:
         return alice + alice;
     case Line::AnotherProgram:
-        return QByteArray(alice).replace("Corvane", "bash");
+        return alice.replace("Corvane", "bash");
     }
     return {};
 }

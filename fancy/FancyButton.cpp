@@ -1,5 +1,6 @@
 #include "fancy/FancyButton.h"
 
+#include "fancy/DevicePixels.h"
 #include "fancy/FancyButton_p.h"
 #include "fancy/colorToArgb.h"
 
@@ -32,22 +33,6 @@ QPixmap devicePixmap(const QIcon &icon, const QSize &size)
     const QPixmap pixmap = icon.pixmap(size, QIcon::Normal, QIcon::Off);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, multiplies);
     return pixmap;
-}
-
-/*!
-    Has \a painter paint in device pixels from now on, and returns \a rect in them: its corner and
-    its size are rounded, so that nothing is blurred or uneven at a fractional scale.
-*/
-QRect snapToDevice(QPainter &painter, const QRect &rect)
-{
-    const QTransform toDevice = painter.deviceTransform();
-    // A rotated button has no edge to snap to.
-    if (toDevice.type() > QTransform::TxScale)
-        return rect;
-    painter.setWorldTransform(toDevice.inverted());
-    const QPointF corner = toDevice.map(QPointF(rect.topLeft()));
-    return {corner.toPoint(),
-            QSize(qRound(rect.width() * toDevice.m11()), qRound(rect.height() * toDevice.m22()))};
 }
 
 } // namespace
@@ -274,14 +259,13 @@ void FancyButton::paintIcon()
     if (buttonIcon.isNull() || size.isEmpty())
         return;
 
-    const qreal ratio = devicePixelRatioF();
-    const QSize deviceSize(qRound(size.width() * ratio), qRound(size.height() * ratio));
-    const QPixmap pixmap = devicePixmap(buttonIcon, deviceSize);
-
-    const QRect target(QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), size);
+    const QPoint corner((width() - size.width()) / 2, (height() - size.height()) / 2);
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(snapToDevice(painter, target), pixmap);
+    const DevicePixels pixels(&painter);
+    const QSize deviceSize(pixels.length(size.width()), pixels.length(size.height()));
+    const QRect target(pixels.rect({corner, size}).topLeft(), deviceSize);
+    painter.drawPixmap(target, devicePixmap(buttonIcon, deviceSize));
 }
 
 // The style sheet hides the style's own focus ring.
@@ -290,12 +274,8 @@ void FancyButton::paintFocusRing()
     if (!hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
         return;
     QPainter painter(this);
-    const QRect button = snapToDevice(painter, rect());
-    const qreal scale = qreal(button.width()) / width();
-    const int margin = qRound(FocusMargin * scale);
-    const int ring = qRound(FocusWidth * scale);
-    const QRect outer = button.adjusted(margin, margin, -margin, -margin);
-    const QRect inner = outer.adjusted(ring, ring, -ring, -ring);
-    for (const QRect &side : QRegion(outer) - inner)
-        painter.fillRect(side, Qt::black);
+    const DevicePixels pixels(&painter);
+    const int margin = pixels.length(FocusMargin);
+    const QRect outer = pixels.rect(rect()).adjusted(margin, margin, -margin, -margin);
+    pixels.fillFrame(outer, pixels.length(FocusWidth), Qt::black);
 }

@@ -20,17 +20,43 @@ constexpr qreal BaseDpi = 96;
 constexpr qreal LeastScaledDpi = 110;
 constexpr qreal ScaleStep = 0.25;
 
-//! Where one of them is set, the user controls Qt's scaling.
-constexpr std::array<const char *, 4> ScalingVariables = {
-        "QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_AUTO_SCREEN_SCALE_FACTOR",
-        "QT_ENABLE_HIGHDPI_SCALING"};
-constexpr const char *ScaleVariable = ScalingVariables[0];
+constexpr const char *ScaleVariable = "QT_SCALE_FACTOR";
 constexpr const char *FontVariable = "QT_FONT_DPI";
 
 constexpr const char *DpiResource = "Xft.dpi:";
 constexpr const char *WorkAreaAtom = "_NET_WORKAREA";
 //! In units of four bytes: more than any resource database holds.
 constexpr uint32_t MaximumPropertyLength = 1 << 20;
+
+/*!
+    Whether the environment names a scale, or has Qt find one. Plasma sets
+    QT_AUTO_SCREEN_SCALE_FACTOR to 0 in every session: that is no choice of a user's.
+*/
+bool userScales()
+{
+    const auto isPositive = [](const QByteArray &number) { return number.toDouble() > 0; };
+    const QList<QByteArray> screens = qgetenv("QT_SCREEN_SCALE_FACTORS").split(';');
+    bool isInteger = false;
+    const bool isAuto = qEnvironmentVariableIntValue("QT_AUTO_SCREEN_SCALE_FACTOR") > 0;
+    qEnvironmentVariableIntValue("QT_ENABLE_HIGHDPI_SCALING", &isInteger);
+    return isAuto || isInteger || isPositive(qgetenv(ScaleVariable))
+           || isPositive(qgetenv("QT_DEVICE_PIXEL_RATIO"))
+           || std::any_of(screens.begin(), screens.end(), [&](const QByteArray &screen) {
+                  // With or without the screen's name: "HDMI-1=1.5".
+                  return isPositive(screen.mid(screen.lastIndexOf('=') + 1));
+              });
+}
+
+//! The X display that Qt will connect to; null stands for the one that DISPLAY names.
+const char *displayName(int argc, char *argv[])
+{
+    const char *result = nullptr;
+    for (int i = 1; i + 1 < argc; ++i) {
+        if (qstrcmp(argv[i], "-display") == 0 || qstrcmp(argv[i], "--display") == 0)
+            result = argv[++i];
+    }
+    return result;
+}
 
 struct Free
 {
@@ -116,14 +142,16 @@ struct Desktop
     QSize workArea;
 };
 
-Desktop askServer()
+Desktop askServer(const char *display)
 {
     int number = 0;
-    const Connection connection(xcb_connect(nullptr, &number));
+    const Connection connection(xcb_connect(display, &number));
     xcb_connection_t *server = connection.get();
     if (xcb_connection_has_error(server) != 0)
         return {};
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(server));
+    // All X screens share the resources of the first.
+    const xcb_window_t resourceRoot = screens.data->root;
     while (number-- > 0 && screens.rem > 1)
         xcb_screen_next(&screens);
     const xcb_screen_t *screen = screens.data;
@@ -134,20 +162,17 @@ Desktop askServer()
         if (workArea.intersects(limit))
             workArea &= limit;
     }
-    return {textDpi(property(server, screen->root, XCB_ATOM_RESOURCE_MANAGER)), workArea.size()};
+    return {textDpi(property(server, resourceRoot, XCB_ATOM_RESOURCE_MANAGER)), workArea.size()};
 }
 
 } // namespace
 
-TextScale::TextScale(const QSize &windowSize)
+TextScale::TextScale(const QSize &windowSize, int argc, char *argv[])
 {
-    const bool userToldQt =
-            std::any_of(ScalingVariables.begin(), ScalingVariables.end(),
-                        [](const char *name) { return !qEnvironmentVariableIsEmpty(name); });
-    if (userToldQt)
+    if (userScales())
         return;
 
-    const Desktop desktop = askServer();
+    const Desktop desktop = askServer(displayName(argc, argv));
     const qreal scale = forWindow(desktop.dpi, windowSize, desktop.workArea);
     if (scale > 1)
         set(ScaleVariable, QByteArray::number(scale, 'g', 17));

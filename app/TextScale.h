@@ -9,8 +9,10 @@
 
     Create one before the application object, and call keepFromChildren() once that exists. In
     between, QT_SCALE_FACTOR (for a scale other than 1) and QT_FONT_DPI (where it isn't set) tell Qt
-    the scale. Neither is set where the user has told Qt what to do, in QT_SCALE_FACTOR,
-    QT_SCREEN_SCALE_FACTORS, QT_AUTO_SCREEN_SCALE_FACTOR or QT_ENABLE_HIGHDPI_SCALING.
+    the scale. Neither is set where the environment already has Qt scale or names a scale:
+    QT_SCALE_FACTOR, QT_SCREEN_SCALE_FACTORS or QT_DEVICE_PIXEL_RATIO with a number above 0,
+    QT_AUTO_SCREEN_SCALE_FACTOR with a whole one, and QT_ENABLE_HIGHDPI_SCALING with any, 0
+   included.
 
     A resource below 110 counts as 96. So does the resolution that the X server computes by itself
     from the size of the monitor, which Qt would take for the user's choice. The scale is fixed from
@@ -20,11 +22,12 @@ class TextScale
 {
 public:
     /*!
-        Asks the X server that DISPLAY names and sets the variables. A scale at which a window of
-        \a windowSize (in pixels at a scale of 1) would not fit into the primary monitor's work area
-        is reduced, see forWindow(). Without a server there is no scaling.
+        Asks the X server that Qt will use, which \a argv (\a argc arguments, the program's own name
+        first) names with -display and DISPLAY otherwise, and sets the variables. A scale at which a
+       window of \a windowSize (in pixels at a scale of 1) would not fit into the primary monitor's
+       work area is reduced, see forWindow(). Without a server there is no scaling.
     */
-    explicit TextScale(const QSize &windowSize);
+    TextScale(const QSize &windowSize, int argc, char *argv[]);
 
     //! Removes from the environment what the constructor has set.
     void keepFromChildren();

@@ -2,6 +2,8 @@
 #include "app/VTWebUrlHandler.h"
 #include "app/daemon.h"
 #include "app/executeInMain.h"
+#include "app/windowPlace.h"
+#include "shell/PanelStyle.h"
 #include "shell/ServiceContainer.h"
 
 #include <QApplication>
@@ -9,8 +11,13 @@
 #include <QDesktopWidget>
 #include <QFont>
 #include <QIcon>
+#include <QList>
 #include <QOpenGLContext>
+#include <QRect>
+#include <QScreen>
 #include <QVariant>
+#include <QVector>
+#include <QWindow>
 
 #include <array>
 #include <optional>
@@ -74,10 +81,13 @@ int main(int argc, char *argv[])
 
     // Icons in the device's own pixels, also where the window is scaled.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    TextScale textScale(ServiceContainer::fixedSize());
+    // A log-out that the user cancels must not have closed the window.
+    QGuiApplication::setFallbackSessionManagementEnabled(false);
+    TextScale textScale(ServiceContainer::fixedSize(), argc, argv);
     QApplication app(argc, argv);
     textScale.keepFromChildren();
     disableOpenGl();
+    PanelStyle::install();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/client/resources/application.svg")));
 
     QFont font;
@@ -104,10 +114,16 @@ int main(int argc, char *argv[])
 
     ServiceContainer window(nullptr);
 
-    // Centred on a screen at (0, 0), wherever the window's own screen lies.
-    const QSize screenSize = QApplication::desktop()->screenGeometry(&window).size();
-    window.move((screenSize.width() - window.width()) / 2,
-                (screenSize.height() - window.height()) / 2);
+    QVector<QRect> monitors;
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        monitors.append(screen->geometry());
+    window.move(
+            windowPlace(window.size(), QApplication::desktop()->screenGeometry(&window), monitors));
+    // Scaled, Qt has the window manager resize in steps of more than a pixel, counted from -1. Some
+    // managers would round the window's size to such a step.
+    window.winId();
+    window.windowHandle()->setBaseSize(window.size());
     window.show();
 
     const int status = QApplication::exec();

@@ -5,6 +5,7 @@
 #include "overview/repairWait.h"
 #include "ui_OverviewForm.h"
 
+#include <QApplication>
 #include <QDateTime>
 #include <QDebug>
 #include <QDesktopServices>
@@ -13,7 +14,8 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPainter>
-#include <QPainterPath>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
 #include <QThread>
 #include <QTimer>
 #include <QTreeWidget>
@@ -32,10 +34,9 @@ constexpr int HeaderAndRowHeight = 76;
 //! Left and right of a cell's text together, in pixels: its own margins and those of the style.
 constexpr int CellMargins = 10;
 
-//! The ring around the focused widget, and the gap between them, in pixels.
-constexpr QRgb FocusColor = qRgb(0, 120, 212);
-constexpr int FocusWidth = 2;
-constexpr int FocusGap = 1;
+//! As in the style sheets of the form, for nameLines().
+constexpr QRgb AccentColor = qRgb(0x00, 0x78, 0xd4);
+constexpr QRgb NoticeBorderColor = qRgb(0x80, 0x80, 0x80);
 
 //! A page that a button opens. Its host comes from the configure step.
 struct WebPage
@@ -155,6 +156,7 @@ OverviewForm::OverviewForm(QWidget *parent)
     const QList<QPushButton *> buttons = findChildren<QPushButton *>();
     for (QPushButton *button : buttons)
         button->setAccessibleName(button->text().trimmed());
+    nameLines();
     connect(qGuiApp, &QGuiApplication::focusObjectChanged, this, QOverload<>::of(&QWidget::update));
 
     syncOWInfo();
@@ -168,6 +170,24 @@ OverviewForm::OverviewForm(QWidget *parent)
 OverviewForm::~OverviewForm()
 {
     delete ui;
+}
+
+/*!
+    Tells which lines the style sheets draw: no program can ask them, and whoever keeps the lines
+    whole on dense screens has to know.
+*/
+void OverviewForm::nameLines()
+{
+    constexpr const char *borderColor = "borderColor";
+    const QList<QPushButton *> buttons = findChildren<QPushButton *>();
+    for (QPushButton *button : buttons)
+        button->setProperty(borderColor, QColor(AccentColor));
+    for (QLabel *notice : {ui->labelNoService, ui->labelNoTag}) {
+        notice->setProperty(borderColor, QColor(NoticeBorderColor));
+        notice->setProperty("borderEdges", int(Qt::LeftEdge | Qt::RightEdge | Qt::BottomEdge));
+    }
+    for (QTreeWidget *table : {ui->treeWidgetOW, ui->treeWidgetTag})
+        table->setProperty("headerColor", QColor(AccentColor));
 }
 
 QList<QVariant> OverviewForm::execute(const QString &program, const QStringList &arguments)
@@ -292,18 +312,11 @@ void OverviewForm::paintEvent(QPaintEvent *event)
     const QWidget *focused = focusWidget();
     if (!focused || !focused->hasFocus() || !window()->testAttribute(Qt::WA_KeyboardFocusChange))
         return;
-    // Around the widget: its style sheet leaves little inside that could show the focus. On whole
-    // device pixels, so that the ring is equally thick all round.
-    const QRect inner = QRect(focused->mapTo(this, QPoint()), focused->size())
-                                .marginsAdded({FocusGap, FocusGap, FocusGap, FocusGap});
+    // Around the widget: its style sheet leaves little inside that could show the focus.
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.rect = QRect(focused->mapTo(this, QPoint()), focused->size());
     QPainter painter(this);
-    const QTransform toDevice = painter.deviceTransform();
-    const QTransform fromDevice = toDevice.inverted();
-    const QRect deviceInner = toDevice.mapRect(QRectF(inner)).toRect();
-    const int width = qRound(FocusWidth * devicePixelRatioF());
-    const QRect deviceOuter = deviceInner.marginsAdded({width, width, width, width});
-    QPainterPath ring;
-    ring.addRect(fromDevice.mapRect(QRectF(deviceOuter)));
-    ring.addRect(fromDevice.mapRect(QRectF(deviceInner)));
-    painter.fillPath(ring, QColor(FocusColor));
+    // Not the page's style: that of a style sheet draws no focus rectangle.
+    QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }

@@ -53,6 +53,8 @@ private slots:
     void on_xfkqfw_clicked(); // clazy:exclude=connect-by-name
 
 private:
+    void nameLines();
+
     Ui_OverviewForm *ui;
     QTimer *timer = nullptr;
     qint64 lastPid;

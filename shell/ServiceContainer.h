@@ -3,7 +3,6 @@
 #include <QWidget>
 
 class FancyBar;
-class QStyle;
 class TabTitle;
 class Ui_ServiceContainer;
 
@@ -34,22 +33,12 @@ public:
     //! no tab header.
     bool inTitleBarDraggableArea(const QPoint &pos) const;
 
-protected:
-    //! Keeps the window readable when the desktop's theme changes.
-    void changeEvent(QEvent *event) override;
-
 public slots:
     //! Shows page \a index: 0 is the run-status page, 1 the settings page.
     void onTabIndexChanged(int index);
 
 private:
-    void fitToTheme();
-    void fitStyle();
-    static void fitMessageBoxButtons();
-
     Ui_ServiceContainer *ui;
     FancyBar *bar = nullptr;
     TabTitle *tab = nullptr;
-    //! In use where the application's style is a dark one, null otherwise.
-    QStyle *lightStyle = nullptr;
 };

@@ -1,4 +1,5 @@
 #include "overview/OverviewForm.h"
+#include "shell/PanelStyle.h"
 #include "tests/support/PaintCounter.h"
 #include "tests/support/ShimFolder.h"
 
@@ -39,6 +40,8 @@ private:
 
 void tst_OverviewFormAccess::init()
 {
+    if (!qobject_cast<PanelStyle *>(QApplication::style()))
+        PanelStyle::install();
     m_shims = std::make_unique<ShimFolder>();
     m_shims->addPrinting(QStringLiteral("pgrep"), "", 1);
     m_page = std::make_unique<OverviewForm>();

@@ -24,7 +24,7 @@ void tst_TextScale::forWindow_data()
     QTest::addColumn<qreal>("scale");
 
     const QSize large(10000, 10000);
-    QTest::newRow("no wish") << 0.0 << large << 1.0;
+    QTest::newRow("nothing chosen") << 0.0 << large << 1.0;
     QTest::newRow("below the limit") << 109.9 << large << 1.0;
     QTest::newRow("at the limit") << 110.0 << large << 110.0 / 96;
     QTest::newRow("288") << 288.0 << large << 3.0;

@@ -307,6 +307,8 @@ void tst_StartUp::dressesTheApplicationAndTheWindow()
     QVERIFY(panel.start());
 
     QCOMPARE(panel.property(Window, "maximized"), QVariant(false));
+    // A log-out that the user cancels leaves it open.
+    QCOMPARE(panel.application(QStringLiteral("closesOnLogOut")), QVariant(false));
 
     const auto font = panel.application(QStringLiteral("font")).value<QFont>();
     QFont expected;

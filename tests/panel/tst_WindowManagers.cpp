@@ -164,6 +164,7 @@ private slots:
     void closesByTheKey();
     void goesOnThroughChangesOfTheDesktop();
     void closesByTheManagersMessage();
+    void keepsItsSizeWhereItIsScaled();
 
 private:
     //! Where the window is and how large, by what the X server says.
@@ -388,6 +389,16 @@ void tst_WindowManagers::closesByTheManagersMessage()
     outputOf(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"),
                                         QString::number(m_panel->windowId(Window))});
     QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));
+}
+
+//! Qt has the manager resize in steps of two pixels there, which don't divide the window's size.
+void tst_WindowManagers::keepsItsSizeWhereItIsScaled()
+{
+    m_panel = std::make_unique<PanelProcess>();
+    m_panel->environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1.5"));
+    QVERIFY(m_panel->start());
+    QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
+    QCOMPARE(place().size(), QSize(1200, 900));
 }
 
 QTEST_MAIN(tst_WindowManagers)

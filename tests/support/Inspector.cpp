@@ -338,6 +338,8 @@ QVariant Inspector::application(const Question &)
     return QVariantMap {{QStringLiteral("pid"), QCoreApplication::applicationPid()},
                         {QStringLiteral("platform"), QGuiApplication::platformName()},
                         {QStringLiteral("font"), QApplication::font()},
+                        {QStringLiteral("closesOnLogOut"),
+                         QGuiApplication::isFallbackSessionManagementEnabled()},
                         {QStringLiteral("overrideCursor"),
                          cursor ? static_cast<int>(cursor->shape()) : NoOverrideCursor},
                         {QStringLiteral("focus"), focus ? nameOf(*focus) : QString()},

@@ -161,7 +161,8 @@ public:
     std::optional<MessageBox> messageBox();
 
     /*!
-        Figures of the whole program: "pid", "platform", "font", "overrideCursor" (Qt::CursorShape,
+        Figures of the whole program: "pid", "platform", "font", "closesOnLogOut" (whether the
+        question alone closes it), "overrideCursor" (Qt::CursorShape,
         -1 for none), "focus" (the name of the widget that has it, or of its class where it has no
         name), "focusRect" (that widget's rectangle on the screen), "environment" (QStringList),
         "objects" (all QObjects within reach), "descriptors", "children" (PIDs, zombies included).

@@ -1,11 +1,13 @@
 #include "shell/MultiProjectsTabStyle.h"
 
+#include <QApplication>
 #include <QColor>
 #include <QFont>
 #include <QFontMetrics>
 #include <QIcon>
 #include <QPainter>
 #include <QPen>
+#include <QStyleFactory>
 #include <QStyleOptionTab>
 #include <QTabBar>
 
@@ -60,10 +62,16 @@ QStyleOptionTab tabOption(const QTabBar &tabBar, int index)
     return option;
 }
 
+//! Another one of the application's style. QProxyStyle itself would take the desktop's.
+QStyle *applicationStyle()
+{
+    return QStyleFactory::create(QApplication::style()->objectName());
+}
+
 } // namespace
 
 MultiProjectsTabStyle::MultiProjectsTabStyle(QTabBar *tabBar, QStyle *style)
-    : QProxyStyle(style)
+    : QProxyStyle(style ? style : applicationStyle())
     , _tabBar(tabBar)
 {
 }

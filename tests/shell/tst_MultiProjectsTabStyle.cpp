@@ -1,7 +1,9 @@
 #include "shell/MultiProjectsTabStyle.h"
 #include "tests/shell/StyledTabBar.h"
 
+#include <QApplication>
 #include <QFontMetrics>
+#include <QStyleFactory>
 #include <QStyleOptionTab>
 #include <QTabBar>
 #include <QTest>
@@ -28,6 +30,7 @@ class tst_MultiProjectsTabStyle : public QObject
 private slots:
     void initTestCase();
 
+    void buildsOnTheApplicationsStyle();
     void asksForEachTab();
     void switchesHoveringBesideTheBase();
     void width_data();
@@ -44,6 +47,22 @@ void tst_MultiProjectsTabStyle::initTestCase()
     const int character = textWidth(wide(1));
     QCOMPARE(textWidth(wide(30)), 30 * character);
     QVERIFY(3 * character + HSpace < 75);
+}
+
+void tst_MultiProjectsTabStyle::buildsOnTheApplicationsStyle()
+{
+    const QString former = QApplication::style()->objectName();
+    for (const QString &name : {QStringLiteral("windows"), QStringLiteral("fusion")}) {
+        QApplication::setStyle(name);
+        const MultiProjectsTabStyle style(nullptr);
+        QCOMPARE(style.baseStyle()->metaObject()->className(),
+                 QApplication::style()->metaObject()->className());
+    }
+    QApplication::setStyle(former);
+
+    auto *base = QStyleFactory::create(QStringLiteral("windows"));
+    const MultiProjectsTabStyle style(nullptr, base);
+    QCOMPARE(style.baseStyle(), base);
 }
 
 void tst_MultiProjectsTabStyle::asksForEachTab()

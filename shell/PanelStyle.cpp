@@ -32,7 +32,7 @@ bool isWhole(qreal ratio)
     return qFuzzyCompare(ratio, std::round(ratio));
 }
 
-//! Also notes that they are the panel's own: a theme could only fill in what isn't.
+//! Makes \a palette that of the application and of its tool tips.
 void setPalettes(const QPalette &palette)
 {
     if (QApplication::palette() != palette)
@@ -96,8 +96,6 @@ QPalette PanelStyle::standardPalette() const
     QPalette palette = QProxyStyle::standardPalette();
     palette.setColor(QPalette::Active, QPalette::Highlight, QColor(SelectionColor));
     palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(SelectionColor));
-    // Else a theme would fill in the colours that count as not set.
-    palette.resolve(~0U);
     return palette;
 }
 

@@ -87,8 +87,9 @@ void tst_DevicePixels::roundsLengths()
     QFETCH(const qreal, ratio);
     QFETCH(const int, length);
     QFETCH(const int, expected);
-    QImage image = canvas(ratio);
+    QImage image = canvas(1);
     QPainter painter(&image);
+    painter.scale(ratio, ratio);
     const DevicePixels pixels(&painter);
     QCOMPARE(pixels.length(length), expected);
 }

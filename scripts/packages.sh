@@ -13,7 +13,7 @@ display_packages=(xvfb openbox xdotool x11-utils imagemagick)
 
 # To test it: themes, window managers, and the tools that ask the X server and D-Bus.
 test_packages=(
-    adwaita-qt kde-style-breeze qt5-gtk-platformtheme qt5ct
+    adwaita-qt qt5-gtk-platformtheme qt5ct
     metacity xfconf xfwm4
     libxcb-xfixes0-dev pkg-config wmctrl x11-xserver-utils xserver-xephyr
     at-spi2-core dbus python3 python3-pyatspi

@@ -37,10 +37,12 @@ bool userScales()
     const auto isPositive = [](const QByteArray &number) { return number.toDouble() > 0; };
     const QList<QByteArray> screens = qgetenv("QT_SCREEN_SCALE_FACTORS").split(';');
     bool isInteger = false;
-    const bool isAuto = qEnvironmentVariableIntValue("QT_AUTO_SCREEN_SCALE_FACTOR") > 0;
+    bool isSet = false;
+    const int automatic = qEnvironmentVariableIntValue("QT_AUTO_SCREEN_SCALE_FACTOR", &isSet);
+    const QByteArray formerFactor = qgetenv("QT_DEVICE_PIXEL_RATIO");
+    const bool isAuto = isSet ? automatic > 0 : formerFactor.toLower() == "auto";
     qEnvironmentVariableIntValue("QT_ENABLE_HIGHDPI_SCALING", &isInteger);
-    return isAuto || isInteger || isPositive(qgetenv(ScaleVariable))
-           || isPositive(qgetenv("QT_DEVICE_PIXEL_RATIO"))
+    return isAuto || isInteger || isPositive(qgetenv(ScaleVariable)) || isPositive(formerFactor)
            || std::any_of(screens.begin(), screens.end(), [&](const QByteArray &screen) {
                   // With or without the screen's name: "HDMI-1=1.5".
                   return isPositive(screen.mid(screen.lastIndexOf('=') + 1));

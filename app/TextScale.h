@@ -10,9 +10,9 @@
     Create one before the application object, and call keepFromChildren() once that exists. In
     between, QT_SCALE_FACTOR (for a scale other than 1) and QT_FONT_DPI (where it isn't set) tell Qt
     the scale. Neither is set where the environment already has Qt scale or names a scale:
-    QT_SCALE_FACTOR, QT_SCREEN_SCALE_FACTORS or QT_DEVICE_PIXEL_RATIO with a number above 0,
-    QT_AUTO_SCREEN_SCALE_FACTOR with a whole one, and QT_ENABLE_HIGHDPI_SCALING with any, 0
-   included.
+    QT_SCALE_FACTOR, QT_SCREEN_SCALE_FACTORS or QT_DEVICE_PIXEL_RATIO with a number above 0, the
+    last one also with "auto", QT_AUTO_SCREEN_SCALE_FACTOR with a whole number above 0, and
+    QT_ENABLE_HIGHDPI_SCALING with any whole number, 0 included.
 
     A resource below 110 counts as 96. So does the resolution that the X server computes by itself
     from the size of the monitor, which Qt would take for the user's choice. The scale is fixed from

@@ -8,8 +8,8 @@ class QColor;
 class QPainter;
 
 /*!
-    Has a painter paint in device pixels for as long as it lives, so that nothing comes out blurred
-   or uneven where the device pixel ratio is no whole number.
+    Has a painter paint in device pixels for as long as it lives. Nothing comes out blurred or
+    uneven then, also where the device pixel ratio is no whole number.
 
     Create one beside the painter, and paint what rect() and length() return. A painter that is
     rotated or sheared has no edges to snap to: it stays as it is, and a device pixel is then one of

@@ -39,7 +39,7 @@ trap 'exit 130' INT
 trap 'exit 143' TERM
 
 # inside COMMAND...: becomes that, in the root as process 1 of a container. Its processes and mounts end
-# with it. Behind pivot_root there may be user namespaces; in a mere chroot the kernel refuses them.
+# with it. After pivot_root there may be user namespaces; in a mere chroot the kernel refuses them.
 inside() {
     # shellcheck disable=SC2016 # the arguments are the inner shell's
     exec unshare --mount --pid --fork --kill-child bash -c '

@@ -107,9 +107,15 @@ void SettingsForm::nameFields()
 {
     const QList<QHBoxLayout *> rows = findChildren<QHBoxLayout *>();
     for (const QHBoxLayout *row : rows) {
-        auto *label = qobject_cast<QLabel *>(row->itemAt(0)->widget());
-        QWidget *field = row->itemAt(1)->widget();
-        const auto *unit = qobject_cast<QLabel *>(row->itemAt(2)->widget());
+        const auto widgetAt = [row](int place) {
+            QLayoutItem *item = row->itemAt(place);
+            return item ? item->widget() : nullptr;
+        };
+        auto *label = qobject_cast<QLabel *>(widgetAt(0));
+        QWidget *field = widgetAt(1);
+        const auto *unit = qobject_cast<QLabel *>(widgetAt(2));
+        if (!label || !field)
+            continue;
         // The accessible name of a combo box is its value, so its label becomes its buddy instead.
         if (qobject_cast<QComboBox *>(field))
             label->setBuddy(field);

@@ -9,7 +9,6 @@
 #include <QPainter>
 #include <QPalette>
 #include <QStyleOptionFrame>
-#include <QToolTip>
 #include <QWidget>
 #include <QWindow>
 
@@ -30,15 +29,6 @@ constexpr int FocusGap = 1;
 bool isWhole(qreal ratio)
 {
     return qFuzzyCompare(ratio, std::round(ratio));
-}
-
-//! Makes \a palette that of the application and of its tool tips.
-void setPalettes(const QPalette &palette)
-{
-    if (QApplication::palette() != palette)
-        QApplication::setPalette(palette);
-    if (QToolTip::palette() != palette)
-        QToolTip::setPalette(palette);
 }
 
 void drawSeparator(const QStyleOptionFrame &option, QPainter *painter)
@@ -83,11 +73,14 @@ void PanelStyle::install()
     auto *style = new PanelStyle;
     QApplication::setStyle(style);
     const QPalette palette = style->standardPalette();
-    setPalettes(palette);
+    QApplication::setPalette(palette);
 
     // Some desktops' plug-ins set a palette or a style of their own when the user changes the
     // theme.
-    connect(qGuiApp, &QGuiApplication::paletteChanged, style, [palette] { setPalettes(palette); });
+    connect(qGuiApp, &QGuiApplication::paletteChanged, style, [style, palette] {
+        if (QApplication::style() == style && QApplication::palette() != palette)
+            QApplication::setPalette(palette);
+    });
     connect(style, &QObject::destroyed, qGuiApp, &PanelStyle::install, Qt::QueuedConnection);
 }
 
@@ -102,8 +95,11 @@ QPalette PanelStyle::standardPalette() const
 void PanelStyle::polish(QWidget *widget)
 {
     QProxyStyle::polish(widget);
-    if (widget->inherits("QTipLabel"))
+    if (widget->inherits("QTipLabel")) {
+        // Tool tips have a palette apart, which a theme may change at any time.
+        widget->setPalette(standardPalette());
         widget->installEventFilter(this);
+    }
 }
 
 // Qt may put a tool tip over the very button that it is about: the click there is the button's.
@@ -132,8 +128,10 @@ void PanelStyle::drawControl(ControlElement element, const QStyleOption *option,
                              const QWidget *widget) const
 {
     const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(option);
-    const qreal ratio = painter->device()->devicePixelRatioF();
-    if (element == CE_ShapedFrame && frame) {
+    // The frame of a drop-down list is a menu's.
+    if (element == CE_ShapedFrame && frame
+        && !(widget && widget->inherits("QComboBoxPrivateContainer"))) {
+        const qreal ratio = painter->device()->devicePixelRatioF();
         const auto shape = frame->frameShape;
         if ((shape == QFrame::HLine || shape == QFrame::VLine) && !isWhole(ratio)) {
             drawSeparator(*frame, painter);

@@ -6,8 +6,7 @@
     The application's style: Fusion, the same on every desktop, with what a dense screen and the
     panel's pages need besides.
 
-    - Separators and plain frames are whole device pixels thick where the device pixel ratio is no
-      whole number.
+    - Separators and plain frames are whole device pixels thick at device pixel ratios above 1.
     - A focus rectangle that a page asks for around another widget is a ring.
     - Tool tips let the pointer through to what lies below them.
 */

@@ -112,6 +112,7 @@ private slots:
     void opensWebAddressesWithTheOpener();
     void unsetsItsUrlHandlersAtTheEnd();
     void centresTheWindow();
+    void keepsTheWindowOnOneScreen();
     void endsWithStatusZeroAndLeavesTheDaemon();
 };
 
@@ -420,6 +421,19 @@ void tst_StartUp::centresTheWindow()
     QTRY_COMPARE(panel.property(Window, "pos"),
                  QVariant(QPoint((screen.width() - window.width()) / 2,
                                  (screen.height() - window.height()) / 2)));
+}
+
+//! Registered with a first screen that is too small and a second one that isn't.
+void tst_StartUp::keepsTheWindowOnOneScreen()
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    PanelProcess panel;
+
+    QVERIFY(panel.start());
+
+    const QRect window(panel.property(Window, "pos").toPoint(),
+                       panel.property(Window, "size").toSize());
+    QVERIFY(screens.last()->geometry().contains(window));
 }
 
 void tst_StartUp::endsWithStatusZeroAndLeavesTheDaemon()

@@ -152,12 +152,14 @@ void tst_Window::closesByItsButtonAfterADrag()
     PanelProcess::moveMouse(position() + CloseButton);
     QTRY_COMPARE(closeButtonColor(), CloseHoverColor);
     // Pressed it is red as well, and released elsewhere it does nothing.
+    const QPoint place = placeOnTheServer();
     PanelProcess::pressButton();
     PanelProcess::moveMouse(position() + Page);
     QTRY_COMPARE(closeButtonColor(), CloseHoverColor);
     PanelProcess::releaseButton();
     QTRY_VERIFY(closeButtonColor() != CloseHoverColor);
     QVERIFY(m_panel->isRunning());
+    QCOMPARE(placeOnTheServer(), place);
 
     PanelProcess::clickAt(position() + CloseButton);
     QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));

@@ -219,7 +219,7 @@ void tst_Icons::isUnderItsOwnName()
     const Samples samples = IconSamples.value(name);
     QCOMPARE(missingSample(name, samples), QString());
 
-    // The samples would notice another's picture.
+    // The samples would notice another icon.
     const QStringList application = {QStringLiteral("application.svg"), QStringLiteral("icon.png")};
     for (const QString &other : Names) {
         const bool isSame =

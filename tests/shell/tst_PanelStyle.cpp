@@ -3,7 +3,9 @@
 #include "tests/support/pixels.h"
 #include "tests/support/waits.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QFrame>
 #include <QLabel>
 #include <QPainter>
@@ -83,6 +85,8 @@ private slots:
     void paletteIsFusionsButForTheSelection();
     void staysWhenThePaletteIsChanged();
     void staysWhenTheStyleIsChanged();
+    void toolTipsHaveThePalette();
+    void dropDownListsKeepFusionsFrame();
     void separatorsAreEquallyThick_data();
     void separatorsAreEquallyThick();
     void plainFramesAreEquallyThick();
@@ -124,7 +128,6 @@ void tst_PanelStyle::paletteIsFusionsButForTheSelection()
     }
     QVERIFY(contrast(palette.highlightedText().color().rgb(), palette.highlight().color().rgb())
             >= TextContrast);
-    QCOMPARE(QToolTip::palette(), palette);
 }
 
 void tst_PanelStyle::staysWhenThePaletteIsChanged()
@@ -134,10 +137,40 @@ void tst_PanelStyle::staysWhenThePaletteIsChanged()
     QApplication::setPalette(QPalette(Qt::darkGray));
     QCOMPARE(QApplication::palette(), palette);
     QCOMPARE(label.palette().color(QPalette::Window), palette.color(QPalette::Window));
+}
 
+void tst_PanelStyle::toolTipsHaveThePalette()
+{
+    Page page;
+    QVERIFY(page.appear());
     QToolTip::setPalette(QPalette(Qt::darkGray));
-    QApplication::setPalette(QPalette(Qt::darkGray));
-    QCOMPARE(QToolTip::palette(), palette);
+    QToolTip::showText(page.mapToGlobal(QPoint(10, 10)), QStringLiteral("tip"), &page);
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto tip = std::find_if(windows.begin(), windows.end(), [](const QWidget *window) {
+        return window->inherits("QTipLabel");
+    });
+    QVERIFY(tip != windows.end());
+    QCOMPARE((*tip)->palette().color(QPalette::ToolTipBase),
+             QApplication::palette().color(QPalette::ToolTipBase));
+    QCOMPARE((*tip)->palette().color(QPalette::Window),
+             QApplication::palette().color(QPalette::Window));
+}
+
+void tst_PanelStyle::dropDownListsKeepFusionsFrame()
+{
+    Page page;
+    QComboBox list(&page);
+    list.addItems({QStringLiteral("one"), QStringLiteral("two")});
+    QVERIFY(page.appear());
+    list.showPopup();
+    QWidget *frame = list.view()->parentWidget();
+    QTRY_VERIFY(frame->isVisible());
+    const QImage shown = frame->grab().toImage();
+
+    const std::unique_ptr<QStyle> fusion(QStyleFactory::create(QStringLiteral("Fusion")));
+    frame->setStyle(fusion.get());
+    QCOMPARE(differingPixels(frame->grab().toImage(), shown).boundingRect(), QRect());
+    frame->setStyle(nullptr);
 }
 
 void tst_PanelStyle::staysWhenTheStyleIsChanged()

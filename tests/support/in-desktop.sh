@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a command in surroundings of its own and cleans up behind it:
+# Runs a command in surroundings of its own and cleans up after it:
 #
 #   in-desktop.sh [--no-display] [--wm MANAGER|none] [--screen WxHxD]... [--server-dpi DPI]
 #                 [--session-bus] [--pid-namespace] -- COMMAND...
@@ -69,14 +69,16 @@ root=$(mktemp -d "${TMPDIR:-/tmp}/panel-test.XXXXXX")
 chmod 711 "$root"
 
 clean_up() {
-    local job
+    local job signal=TERM rounds=0
     # The last started ends first: a window manager would complain of the server's end. By job, as a
     # PID may be another process's by now.
     while job=$(jobs -r | tail -n 1) && [ -n "$job" ]; do
         job=${job%%]*}
         # Again if need be: an X server misses a signal that comes just before it goes to sleep.
-        kill "%${job#[}" 2>/dev/null || :
+        kill -"$signal" "%${job#[}" 2>/dev/null || :
         sleep 0.02
+        # unshare doesn't end by that while its command runs.
+        [ $((++rounds)) -lt 100 ] || signal=KILL
     done
     rm -rf "$root"
 }
@@ -150,7 +152,7 @@ if [ "$display" = yes ]; then
 fi
 
 if [ "$session_bus" = yes ]; then
-    # Behind the display, which the services that it starts may need.
+    # After the display, which the services that it starts may need.
     env -i "${environment[@]}" setpriv --pdeathsig TERM \
         dbus-daemon --session --nofork --nopidfile --address="unix:path=$root/run/bus" \
         >"$root/log/bus" 2>&1 &

@@ -50,7 +50,7 @@ bool userScales()
 }
 
 //! The X display that Qt will connect to; null stands for the one that DISPLAY names.
-const char *displayName(int argc, char *argv[])
+const char *displayName(int argc, char **argv)
 {
     const char *result = nullptr;
     for (int i = 1; i + 1 < argc; ++i) {
@@ -169,7 +169,7 @@ Desktop askServer(const char *display)
 
 } // namespace
 
-TextScale::TextScale(const QSize &windowSize, int argc, char *argv[])
+TextScale::TextScale(const QSize &windowSize, int argc, char **argv)
 {
     if (userScales())
         return;

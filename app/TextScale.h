@@ -27,7 +27,7 @@ public:
        window of \a windowSize (in pixels at a scale of 1) would not fit into the primary monitor's
        work area is reduced, see forWindow(). Without a server there is no scaling.
     */
-    TextScale(const QSize &windowSize, int argc, char *argv[]);
+    TextScale(const QSize &windowSize, int argc, char **argv);
 
     //! Removes from the environment what the constructor has set.
     void keepFromChildren();

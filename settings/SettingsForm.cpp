@@ -142,9 +142,10 @@ void SettingsForm::loadConfig()
         auto *field = findChild<QWidget *>(QLatin1String(setting.field));
         const QString key = QLatin1String(setting.key);
         if (auto *number = qobject_cast<QSpinBox *>(field)) {
-            const int value = settings->value(key, setting.initial).toInt();
+            bool isNumber = false;
+            const int value = settings->value(key, setting.initial).toInt(&isNumber);
             // setValue() would clamp a value out of range; it must be ignored.
-            if (value >= setting.minimum && value <= setting.maximum)
+            if (isNumber && value >= setting.minimum && value <= setting.maximum)
                 number->setValue(value);
         } else if (auto *list = qobject_cast<QComboBox *>(field)) {
             list->setCurrentText(settings->value(key, list->itemText(setting.initial)).toString());

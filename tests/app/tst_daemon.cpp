@@ -139,29 +139,31 @@ void tst_daemon::readsTheFigures_data()
 
     QTest::newRow("as ps writes them") << "Corvane            1234 alice       01:02:03  0.5  1.2\n"
                                        << "Corvane|1234|alice|01:02:03|0.5%|1.2%";
+    // Below, "{n}" is the suffix of the figure in place n, empty after the last.
     QTest::newRow("several days") << "Corvane 77 bob 5-00:00:01 99.9 0.0\n"
-                                  << "Corvane|77|bob|5-00:00:01|99.9%|0.0%";
+                                  << "Corvane{0}|77{1}|bob{2}|5-00:00:01{3}|99.9{4}|0.0{5}";
     QTest::newRow("blanks at both ends") << "  Corvane 1 a b c d  \n"
-                                         << "Corvane|1|a|b|c%|d%";
+                                         << "Corvane{0}|1{1}|a{2}|b{3}|c{4}|d{5}";
     QTest::newRow("too few") << "Corvane 55 alice 01:02:03 0.5\n"
-                             << "Corvane|55|alice|01:02:03|0.5%";
+                             << "Corvane{0}|55{1}|alice{2}|01:02:03{3}|0.5{4}";
     QTest::newRow("too many") << "Corvane 56 alice 01:02:03 0.5 1.2 x y\n"
-                              << "Corvane|56|alice|01:02:03|0.5%|1.2%|x|y";
+                              << "Corvane{0}|56{1}|alice{2}|01:02:03{3}|0.5{4}|1.2{5}|x{6}|y{7}";
     // The line feed stays in the middle of a value.
-    QTest::newRow("two lines") << "Corvane 57 a b c d\nCorvane 58 e f g h\n"
-                               << "Corvane|57|a|b|c%|d\nCorvane%|58|e|f|g|h";
+    QTest::newRow("two lines")
+            << "Corvane 57 a b c d\nCorvane 58 e f g h\n"
+            << "Corvane{0}|57{1}|a{2}|b{3}|c{4}|d\nCorvane{5}|58{6}|e{7}|f{8}|g{9}|h{10}";
     QTest::newRow("tabs separate nothing") << "Corvane\t58 alice 01:02:03 0.5 1.2\n"
-                                           << "Corvane\t58|alice|01:02:03|0.5|1.2%";
+                                           << "Corvane\t58{0}|alice{1}|01:02:03{2}|0.5{3}|1.2{4}";
     QTest::newRow("tabs count as part of a value") << "Corvane 59 a\tb c 0.5 1.2\n"
-                                                   << "Corvane|59|a\tb|c|0.5%|1.2%";
+                                                   << "Corvane{0}|59{1}|a\tb{2}|c{3}|0.5{4}|1.2{5}";
     // The line feed that stands for a value is skipped, and still counts for the place.
     QTest::newRow("a value of white space") << "Corvane 60 \n a b 0.5 Corvane\n"
-                                            << "Corvane|60|a|b%|0.5%|Corvane";
+                                            << "Corvane{0}|60{1}|a{3}|b{4}|0.5{5}|Corvane{6}";
     QTest::newRow("white space around values") << "\tCorvane\t 61\r a\v b\f \tc \r1.2\r\n"
-                                               << "Corvane|61|a|b|c%|1.2%";
+                                               << "Corvane{0}|61{1}|a{2}|b{3}|c{4}|1.2{5}";
     QTest::newRow("decimal commas and text that isn't ASCII")
             << "Corvane 62 王小明 01:02 0,5 1,2\n"
-            << "Corvane|62|王小明|01:02|0,5%|1,2%";
+            << "Corvane{0}|62{1}|王小明{2}|01:02{3}|0,5{4}|1,2{5}";
     QTest::newRow("nothing") << ""
                              << "";
     QTest::newRow("only white space") << " \n "
@@ -170,8 +172,14 @@ void tst_daemon::readsTheFigures_data()
 
 void tst_daemon::readsTheFigures()
 {
-    QFETCH(QString, detail);
-    QTEST(Daemon::figureTexts(detail).join(QLatin1Char('|')), "texts");
+    QFETCH(const QString, detail);
+    QFETCH(QString, texts);
+    for (int place = 0; place <= 10; ++place) {
+        const bool isFigure = place < int(Daemon::Figures.size());
+        texts.replace(QStringLiteral("{%1}").arg(place),
+                      QString::fromUtf8(isFigure ? Daemon::Figures[size_t(place)].suffix : ""));
+    }
+    QCOMPARE(Daemon::figureTexts(detail).join(QLatin1Char('|')), texts);
 }
 
 void tst_daemon::readsTheAnswerOfTheProbe_data()

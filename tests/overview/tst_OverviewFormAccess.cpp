@@ -2,6 +2,7 @@
 #include "shell/PanelStyle.h"
 #include "tests/support/PaintCounter.h"
 #include "tests/support/ShimFolder.h"
+#include "tests/support/WebShortcuts.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -83,8 +84,9 @@ void tst_OverviewFormAccess::focusIsARing_data()
 {
     QTest::addColumn<QString>("button");
 
-    for (const char *name : {"kqfwdt", "kqzsk", "xfkqfw"})
-        QTest::newRow(name) << QString::fromLatin1(name);
+    for (const WebShortcut &shortcut : WebShortcuts)
+        QTest::newRow(shortcut.button) << QString::fromLatin1(shortcut.button);
+    QTest::newRow("repair") << QStringLiteral("xfkqfw");
 }
 
 void tst_OverviewFormAccess::focusIsARing()

@@ -1,5 +1,6 @@
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ServerWindow.h"
+#include "tests/support/WebShortcuts.h"
 #include "tests/support/pixels.h"
 
 #include <QGuiApplication>
@@ -17,7 +18,12 @@ const auto Window = QStringLiteral("ServiceContainer");
 const auto Table = QStringLiteral("treeWidgetOW");
 const auto Header = QStringLiteral("treeWidgetOW/QHeaderView");
 const auto RepairButton = QStringLiteral("xfkqfw");
-const QStringList Buttons = {QStringLiteral("kqfwdt"), QStringLiteral("kqzsk"), RepairButton};
+const QStringList Buttons = [] {
+    QStringList names;
+    for (const WebShortcut &shortcut : WebShortcuts)
+        names.append(QLatin1String(shortcut.button));
+    return names << RepairButton;
+}();
 const QStringList Titles = {QStringLiteral("OverviewForm/labelOW"),
                             QStringLiteral("OverviewForm/label"),
                             QStringLiteral("OverviewForm/label_2")};

@@ -30,7 +30,7 @@ QStringList expectedRow(qint64 pid)
     QStringList result;
     for (const Daemon::Figure &figure : Daemon::Figures)
         result.append(processField(pid, QLatin1String(figure.field))
-                      + QLatin1String(figure.suffix));
+                      + QString::fromUtf8(figure.suffix));
     return result;
 }
 

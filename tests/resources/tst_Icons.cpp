@@ -188,8 +188,10 @@ void tst_Icons::icoHoldsEachSize_data()
 {
     QTest::addColumn<QString>("name");
 
-    for (const char *name : {"dt.ico", "zsk.ico", "xf.ico"})
-        QTest::newRow(name) << QString::fromLatin1(name);
+    for (const QString &name : Names) {
+        if (name.endsWith(QLatin1String(".ico")))
+            QTest::newRow(qPrintable(name)) << name;
+    }
 }
 
 void tst_Icons::icoHoldsEachSize()

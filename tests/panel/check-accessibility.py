@@ -147,6 +147,8 @@ def check_stop(panel, daemon):
 
 
 def main():
+    # Before the panel: Qt registers with the services once, and those that are only starting may miss it.
+    wait_for("the accessibility services", lambda: pyatspi.Registry.getDesktop(0).name)
     environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
     process = subprocess.Popen([sys.argv[1]], env=environment)
     try:

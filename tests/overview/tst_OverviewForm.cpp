@@ -462,7 +462,7 @@ void tst_OverviewForm::rowLeavesNothingBehind()
     QCOMPARE(childProcesses().size(), children);
     QCOMPARE(page.findChildren<QObject *>().size(), objects);
     // An item with its texts takes some hundred bytes.
-    QVERIFY2(heapBytesInUse() - bytes < 100 * Rounds,
+    QVERIFY2(heapBytesInUse() - bytes < qint64(100) * Rounds,
              qPrintable(QString::number(heapBytesInUse() - bytes)));
 }
 

@@ -119,7 +119,7 @@ void tst_OverviewFormLayout::sizesWhenResized()
     QCOMPARE(m_form->size(), size.expandedTo(m_form->minimumSizeHint()));
 
     for (const QWidget *fixed :
-         QList<QWidget *> {m_ui.treeWidgetOW, m_ui.labelNoService, m_ui.labelNoTag})
+         std::initializer_list<QWidget *> {m_ui.treeWidgetOW, m_ui.labelNoService, m_ui.labelNoTag})
         QCOMPARE(fixed->height(), fixed->maximumHeight());
     // What is left over goes to the node table and to the bottom, and after the buttons.
     for (const QFrame *frame : {m_ui.frameWebsite, m_ui.frameRepair}) {

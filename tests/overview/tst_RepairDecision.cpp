@@ -138,7 +138,7 @@ void tst_RepairDecision::decides()
     } else {
         QCOMPARE(logLines.size(), 0);
     }
-    QVERIFY2(elapsedMs >= seconds * 1000, qPrintable(QString::number(elapsedMs)));
+    QVERIFY2(elapsedMs >= qint64(seconds) * 1000, qPrintable(QString::number(elapsedMs)));
     QCOMPARE(boxes, 1);
     QCOMPARE(shown.title, QStringLiteral("修复朔川服务"));
     QCOMPARE(shown.text, text);

@@ -61,7 +61,7 @@ QImage tst_Repair::cursorOver(const QString &widget)
 QString tst_Repair::verifyLog(int formerLines, qint64 elapsedMs) const
 {
     const QStringList lines = m_panel->errorLines().mid(formerLines);
-    const QString log = lines.join(QLatin1Char('\n'));
+    QString log = lines.join(QLatin1Char('\n'));
     if (lines.size() != 2)
         return log;
     if (lines.at(0) != QStringLiteral("file: \"%1\"").arg(m_panel->daemonPath()))

@@ -122,7 +122,8 @@ QString colorsOf(const QImage &image)
     std::sort(colors.begin(), colors.end(),
               [&counts](QRgb one, QRgb other) { return counts[one] > counts[other]; });
     QStringList result;
-    for (const QRgb color : colors.mid(0, ListedColors))
+    const QList<QRgb> listed = colors.mid(0, ListedColors);
+    for (const QRgb color : listed)
         result.append(QStringLiteral("%1 (%2)").arg(nameOf(color)).arg(counts[color]));
     if (colors.size() > ListedColors)
         result.append(QStringLiteral("and %1 others").arg(colors.size() - ListedColors));

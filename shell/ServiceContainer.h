@@ -7,7 +7,7 @@ class TabTitle;
 class Ui_ServiceContainer;
 
 /*!
-    The panel's one window: frameless, fixed at 800 × 600 pixels, with the title strip on top
+    The panel's one window: frameless, always of fixedSize(), with the title strip on top
     and the stack of the two pages below it, the run-status page first.
 
     The window can be dragged by its strip, except where inTitleBarDraggableArea() says otherwise,

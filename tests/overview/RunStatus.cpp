@@ -15,9 +15,6 @@ template struct ExposePrivateMember<LastPid, &OverviewForm::lastPid>;
 
 namespace {
 
-constexpr int HeaderHeight = 36;
-constexpr int HeaderAndRowHeight = 76;
-
 QByteArray aliceValue(const Daemon::Figure &figure)
 {
     static const QMap<QByteArray, QByteArray> values = {
@@ -29,12 +26,10 @@ QByteArray aliceValue(const Daemon::Figure &figure)
     return values.value(figure.field, figure.field);
 }
 
-QString state(qint64 pid, const QString &row, int minimumHeight, int maximumHeight, bool hasNotice,
-              bool hasError)
+QString state(qint64 pid, const QString &row, bool hasNotice, bool hasError)
 {
-    return QStringLiteral("PID %1, row \"%2\", height %3 to %4, notice %5, error %6")
-            .arg(QString::number(pid), row, QString::number(minimumHeight),
-                 QString::number(maximumHeight),
+    return QStringLiteral("PID %1, row \"%2\", notice %3, error %4")
+            .arg(QString::number(pid), row,
                  hasNotice ? QStringLiteral("shown") : QStringLiteral("hidden"),
                  hasError ? QStringLiteral("shown") : QStringLiteral("hidden"));
 }
@@ -90,13 +85,12 @@ QString pageState(OverviewForm &page)
     }
     if (item && item->type() != QTreeWidgetItem::Type)
         shown += QStringLiteral(" (type %1)").arg(item->type());
-    return state(lastPid(page), shown, tree->minimumHeight(), tree->maximumHeight(),
+    return state(lastPid(page), shown,
                  !page.findChild<QLabel *>(QStringLiteral("labelNoService"))->isHidden(),
                  !page.findChild<QLabel *>(QStringLiteral("labelOWError"))->isHidden());
 }
 
 QString expectedState(qint64 pid, const QString &row)
 {
-    const int height = row.isEmpty() ? HeaderHeight : HeaderAndRowHeight;
-    return state(pid, row, height, height, row.isEmpty(), false);
+    return state(pid, row, row.isEmpty(), false);
 }

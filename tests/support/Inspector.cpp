@@ -123,11 +123,6 @@ QRect globalRectOf(const QWidget &widget)
     return {widget.mapToGlobal(QPoint(0, 0)), widget.size()};
 }
 
-QString buttonText(const QAbstractButton *button)
-{
-    return button ? button->text() : QString();
-}
-
 } // namespace
 
 Inspector::Inspector(const QString &socketPath)
@@ -306,21 +301,8 @@ QVariant Inspector::messageBox(const Question &)
     const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     if (!box)
         return QVariantMap();
-
-    QStringList buttons;
-    const QList<QAbstractButton *> all = box->buttons();
-    for (const QAbstractButton *button : all)
-        buttons.append(button->text());
-    const QObject *parent = box->parent();
-    return QVariantMap {
-            {QStringLiteral("title"), box->windowTitle()},
-            {QStringLiteral("text"), box->text()},
-            {QStringLiteral("icon"), static_cast<int>(box->icon())},
-            {QStringLiteral("buttons"), buttons},
-            {QStringLiteral("standardButtons"), static_cast<int>(box->standardButtons())},
-            {QStringLiteral("defaultButton"), buttonText(box->defaultButton())},
-            {QStringLiteral("parentClass"),
-             parent ? QString::fromLatin1(parent->metaObject()->className()) : QString()}};
+    return QVariantMap {{QStringLiteral("text"), box->text()},
+                        {QStringLiteral("icon"), static_cast<int>(box->icon())}};
 }
 
 QVariant Inspector::application(const Question &)

@@ -382,13 +382,8 @@ std::optional<PanelProcess::MessageBox> PanelProcess::messageBox()
     const QVariantMap box = ask(QStringLiteral("messageBox")).toMap();
     if (box.isEmpty())
         return std::nullopt;
-    return MessageBox {box.value(QStringLiteral("title")).toString(),
-                       box.value(QStringLiteral("text")).toString(),
-                       box.value(QStringLiteral("icon")).toInt(),
-                       box.value(QStringLiteral("buttons")).toStringList(),
-                       box.value(QStringLiteral("standardButtons")).toInt(),
-                       box.value(QStringLiteral("defaultButton")).toString(),
-                       box.value(QStringLiteral("parentClass")).toString()};
+    return MessageBox {box.value(QStringLiteral("text")).toString(),
+                       box.value(QStringLiteral("icon")).toInt()};
 }
 
 QVariant PanelProcess::application(const QString &figure)

@@ -149,13 +149,8 @@ public:
 
     struct MessageBox
     {
-        QString title;
         QString text;
         int icon; //!< QMessageBox::Icon
-        QStringList buttons;
-        int standardButtons; //!< QMessageBox::StandardButtons
-        QString defaultButton; //!< the text of the one that was asked for, if any
-        QString parentClass;
     };
     //! The modal message box that is open, if any.
     std::optional<MessageBox> messageBox();

@@ -5,6 +5,7 @@
 //   baseline start-up   the same, after the commands that the panel's start-up waits for
 //   baseline refresh    the window; for each byte on standard input runs one refresh's commands
 //                       and writes what they took, a Times, to standard output
+//   baseline commands PID   no window: prints the commands, the second one for that process
 
 #include "app/daemon.h"
 #include "app/executeInMain.h"
@@ -12,6 +13,8 @@
 
 #include <QApplication>
 #include <QLabel>
+
+#include <cstdio>
 
 #include <unistd.h>
 
@@ -44,6 +47,12 @@ int serve()
 
 int main(int argc, char *argv[])
 {
+    if (argc == 3 && qstrcmp(argv[1], "commands") == 0) {
+        for (const QString &command :
+             {Daemon::probeCommand(), Daemon::detailCommand(QByteArray(argv[2]).toLongLong())})
+            puts(qPrintable(command));
+        return EXIT_SUCCESS;
+    }
     qputenv("QT_QPA_PLATFORM", "xcb");
     QApplication app(argc, argv);
     const QString mode = QCoreApplication::arguments().value(1);

@@ -12,7 +12,7 @@ build=$project/build/bench
 
 # measure ROUNDS: what runs inside the display; prints a table of tabs.
 measure() {
-    local rounds=$1 names=() commands=() other i
+    local rounds=$1 names=() commands=() pipelines=() other i
     local panel=$build/bin/corvane-panel baseline=$build/benchmarks/baseline
     add() { names+=("$1"); commands+=("$2"); }
     add panel "$panel"
@@ -42,10 +42,10 @@ measure() {
 
     "$build/benchmarks/bench_refresh" "$((rounds * 10))" | awk -F'\t' '{
         printf "%s, ms\tpanel\t%s\n%s, ms\tthe same commands in an empty window\t%s\n", $1, $2, $1, $3 }'
-    local probe="pgrep -lf Corvane | grep -w Corvane | awk '{print \$1}'"
-    local detail="ps -o comm,pid,user,etime,%cpu,%mem -p $daemon | grep -w Corvane"
+    mapfile -t pipelines < <("$build/benchmarks/baseline" commands "$daemon")
+    pipelines=("${pipelines[@]@Q}")
     hyperfine --shell=none --warmup 10 --runs "$((rounds * 10))" --style basic --export-csv refresh.csv \
-        "/bin/bash -c \"${probe//\$/\\\$}\"" "/bin/bash -c \"$detail\"" >&2
+        "${pipelines[@]/#//bin/bash -c }" >&2
     awk -F, 'NR > 1 { sum += $(NF - 4) * 1000 } END {
         printf "refresh, wall time, ms\tthe two pipelines by themselves\t%.2f\n", sum }' refresh.csv
 }

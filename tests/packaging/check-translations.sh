@@ -15,7 +15,11 @@ markdown() {
         /^```/ { code = !code; next }
         code { sub(/ +#.*/, ""); tell($0); next }
         /^#/ { ++section; tell($1) }
-        /^\|/ { tell("table row of " gsub(/\|/, "|")) }
+        /^\|/ {
+            numbers = $0
+            gsub(/[^0-9.]+/, " ", numbers)
+            tell("table row of " gsub(/\|/, "|") " with" numbers)
+        }
         /^$/ { tell("end of a paragraph") }
         /^- / { tell("list entry") }
         /^\*\*/ { tell("paragraph with a title") }

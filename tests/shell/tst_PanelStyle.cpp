@@ -120,7 +120,7 @@ void tst_PanelStyle::paletteIsFusionsButForTheSelection()
             const auto color = [=](const QPalette &of) {
                 return of.color(QPalette::ColorGroup(group), QPalette::ColorRole(role));
             };
-            QCOMPARE(color(palette), isSelection ? QColor(0, 120, 212) : color(expected));
+            QCOMPARE(color(palette), isSelection ? QColor(0, 113, 200) : color(expected));
         }
         QVERIFY(contrast(palette.color(QPalette::ColorGroup(group), QPalette::WindowText).rgb(),
                          palette.color(QPalette::ColorGroup(group), QPalette::Window).rgb())

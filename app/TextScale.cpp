@@ -102,17 +102,13 @@ QRect primaryMonitor(xcb_connection_t *server, xcb_window_t root)
     const xcb_query_extension_reply_t *extension = xcb_get_extension_data(server, &xcb_randr_id);
     if (!extension || !extension->present)
         return {};
-    // RANDR 1.5 is the first to know monitors.
-    const Owned<xcb_randr_query_version_reply_t> version(
-            xcb_randr_query_version_reply(server, xcb_randr_query_version(server, 1, 5), nullptr));
-    if (!version || (version->major_version == 1 && version->minor_version < 5))
-        return {};
-
+    // RANDR knows monitors since 1.5. A server with an older one answers with an error, not a
+    // reply.
     const Owned<xcb_randr_get_monitors_reply_t> reply(
             xcb_randr_get_monitors_reply(server, xcb_randr_get_monitors(server, root, 1), nullptr));
-    QRect result;
     if (!reply)
-        return result;
+        return {};
+    QRect result;
     for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
          xcb_randr_monitor_info_next(&it)) {
         if (result.isNull() || it.data->primary)

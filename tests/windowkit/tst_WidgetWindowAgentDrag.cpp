@@ -4,7 +4,6 @@
 
 #include <QWKWidgets/widgetwindowagent.h>
 
-#include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPointer>
@@ -74,7 +73,6 @@ private slots:
     void drags_data();
     void drags();
     void followsEachMotion();
-    void followsAMotionBackToAnEarlierPlace();
     void isReplacedDuringADrag_data();
     void isReplacedDuringADrag();
     void pressesWhileAMoveIsPending_data();
@@ -151,36 +149,6 @@ void tst_WidgetWindowAgentDrag::followsEachMotion()
     xdotool(release());
     QVERIFY(settle(window));
     QVERIFY(comesTo(window, WindowPosition + QPoint(5, -5)));
-}
-
-void tst_WidgetWindowAgentDrag::followsAMotionBackToAnEarlierPlace()
-{
-    ServedWindow window;
-    QVERIFY(window.present());
-
-    const auto pretendMotion = [&window](const QPoint &distance) {
-        QMouseEvent motion(QEvent::MouseMove, HeaderPoint, HeaderPoint,
-                           WindowPosition + HeaderPoint + distance, Qt::NoButton, Qt::LeftButton,
-                           Qt::NoModifier);
-        QCoreApplication::sendEvent(window.windowHandle(), &motion);
-    };
-    const QPoint there(40, 20);
-    const QPoint beyond(90, 70);
-
-    xdotool(moveTo(WindowPosition + HeaderPoint) + press());
-    QTRY_COMPARE(window.answer.questions.size(), 1);
-    pretendMotion(there);
-    // Asking the server for a pixel sends the request off. Its report waits unread, since this
-    // process handles no event meanwhile.
-    QVERIFY(!QGuiApplication::primaryScreen()->grabWindow(0, 0, 0, 1, 1).isNull());
-    const QDeadlineTimer deadline(TimeoutMs);
-    while (placeOnServer(window) != WindowPosition + there && !deadline.hasExpired()) { }
-    QCOMPARE(placeOnServer(window), WindowPosition + there);
-    xdotool(moveTo(WindowPosition + HeaderPoint + there));
-    pretendMotion(beyond);
-    xdotool(release());
-    QVERIFY(settle(window));
-    QVERIFY(comesTo(window, WindowPosition + there));
 }
 
 void tst_WidgetWindowAgentDrag::isReplacedDuringADrag_data()

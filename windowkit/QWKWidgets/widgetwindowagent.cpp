@@ -5,6 +5,7 @@
 #include <QWindow>
 
 #include <cmath>
+#include <utility>
 
 namespace QWK {
 
@@ -121,8 +122,12 @@ bool WidgetWindowAgent::handleMove(const QMouseEvent &event)
     }
 
     m_exact = event.screenPos() - m_grip;
-    m_requested = m_exact->toPoint();
+    const QPoint former = std::exchange(m_requested, m_exact->toPoint());
     m_requestTime = event.timestamp();
+    // While a move is under way, Qt may still be told of the one before. It does nothing for the
+    // place that it takes for the window's, so a motion back there needs one to somewhere else.
+    if (m_isSettling && m_requested != former && m_window->position() == m_requested)
+        m_window->setPosition(m_requested + QPoint(1, 0));
     m_isSettling = true;
     m_window->setPosition(m_requested);
     return true;

@@ -49,6 +49,7 @@ private slots:
     void probeTellsTheDaemonFromItsNeighbours_data();
     void probeTellsTheDaemonFromItsNeighbours();
     void asksForTheFiguresOfAProcess();
+    void addsTheSuffixOfEachFigure();
     void readsTheFigures_data();
     void readsTheFigures();
     void readsTheAnswerOfTheProbe_data();
@@ -132,14 +133,20 @@ void tst_daemon::asksForTheFiguresOfAProcess()
     }
 }
 
+void tst_daemon::addsTheSuffixOfEachFigure()
+{
+    const QStringList texts = Daemon::figureTexts(
+            QStringLiteral("Corvane            1234 alice       01:02:03  0.5  1.2\n"));
+    QCOMPARE(texts.join(QLatin1Char('|')), QStringLiteral("Corvane|1234|alice|01:02:03|0.5%|1.2%"));
+    QCOMPARE(texts.size(), int(Daemon::Figures.size()));
+}
+
 void tst_daemon::readsTheFigures_data()
 {
     QTest::addColumn<QString>("detail");
     QTest::addColumn<QString>("texts");
 
-    QTest::newRow("as ps writes them") << "Corvane            1234 alice       01:02:03  0.5  1.2\n"
-                                       << "Corvane|1234|alice|01:02:03|0.5%|1.2%";
-    // Below, "{n}" is the suffix of the figure in place n, empty after the last.
+    // "{n}" is the suffix of the figure in place n, empty after the last.
     QTest::newRow("several days") << "Corvane 77 bob 5-00:00:01 99.9 0.0\n"
                                   << "Corvane{0}|77{1}|bob{2}|5-00:00:01{3}|99.9{4}|0.0{5}";
     QTest::newRow("blanks at both ends") << "  Corvane 1 a b c d  \n"

@@ -35,8 +35,9 @@ void checkFields(const SettingsForm &page, const QSettings &settings, const QByt
         const QString key =
                 QLatin1String(number.section) + QLatin1Char('/') + QLatin1String(number.name);
         const QSpinBox *field = numberField(page, number.field);
-        const int value = settings.value(key).toInt();
-        if (isReadable && value >= field->minimum() && value <= field->maximum())
+        bool isNumber = false;
+        const int value = settings.value(key).toInt(&isNumber);
+        if (isReadable && isNumber && value >= field->minimum() && value <= field->maximum())
             expected = replaced(expected, number.field, QString::number(value));
     }
     const bool isOn = isReadable && settings.value(QStringLiteral("rpc/enableLogs")).toBool();

@@ -384,19 +384,22 @@ void tst_OverviewForm::situations()
 
 void tst_OverviewForm::tableIsAsHighAsItsRow()
 {
+    constexpr int header = 36;
+    constexpr int headerAndRow = 76;
     arrange(NothingRuns);
     OverviewForm page;
     const auto *tree = page.findChild<QTreeWidget *>(QStringLiteral("treeWidgetOW"));
-    QCOMPARE(tree->minimumHeight(), 36);
-    QCOMPARE(tree->maximumHeight(), 36);
+    QCOMPARE(tree->minimumHeight(), header);
+    QCOMPARE(tree->maximumHeight(), header);
 
     for (const Situation &situation : Situations) {
         arrange(OneRuns);
         refresh(page);
-        QVERIFY2(tree->minimumHeight() == 76 && tree->maximumHeight() == 76, situation.name);
+        QVERIFY2(tree->minimumHeight() == headerAndRow && tree->maximumHeight() == headerAndRow,
+                 situation.name);
         arrange(situation);
         refresh(page);
-        const int height = situation.hasRow ? 76 : 36;
+        const int height = situation.hasRow ? headerAndRow : header;
         QVERIFY2(tree->minimumHeight() == height && tree->maximumHeight() == height,
                  situation.name);
     }

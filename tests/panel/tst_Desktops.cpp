@@ -1,3 +1,4 @@
+#include "shell/ServiceContainer.h"
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ServerWindow.h"
 #include "tests/support/WebShortcuts.h"
@@ -31,11 +32,9 @@ const auto NameLabel = QStringLiteral("TabTitle/label");
 const QStringList Separators = {QStringLiteral("OverviewForm/line"),
                                 QStringLiteral("OverviewForm/line_3")};
 
-constexpr QSize WindowSize(800, 600);
+constexpr QSize WindowSize = ServiceContainer::fixedSize();
 constexpr double TextContrast = 4.5;
 constexpr QRgb RowColor = qRgb(0xe7, 0xec, 0xf7);
-constexpr QRgb HeaderColor = qRgb(0x00, 0x78, 0xd4);
-constexpr QRgb BorderColor = HeaderColor;
 constexpr QRgb White = qRgb(255, 255, 255);
 constexpr QRgb CloseHoverColor = qRgb(255, 0, 0);
 constexpr int ShowTimeoutMs = 20000;
@@ -99,6 +98,7 @@ private:
     QVector<QPair<QString, QImage>> texts();
     // What is wrong with the screenshot; empty where all is well.
     QString wrongWithTexts();
+    QRgb lineColor(const QString &widget, const QByteArray &name);
     QString wrongWithRow();
     QString wrongWithLines();
     void keepScreenshot();
@@ -260,14 +260,21 @@ QString tst_Desktops::wrongWithTexts()
     return {};
 }
 
+//! The colour of \a widget's lines, by the name that the page gives it.
+QRgb tst_Desktops::lineColor(const QString &widget, const QByteArray &name)
+{
+    return m_panel->property(widget, name).value<QColor>().rgb();
+}
+
 //! The header and the row reach from edge to edge of the table, and nothing covers them.
 QString tst_Desktops::wrongWithRow()
 {
     const QImage table = shown(Table);
     const int rowHeight = table.height() - shown(Header).height();
+    const QRgb headerColor = lineColor(Table, "headerColor");
     const QVector<QRgb> first = column(table, 4);
     for (const QRgb pixel : first) {
-        if (pixel != HeaderColor && pixel != RowColor && pixel != White)
+        if (pixel != headerColor && pixel != RowColor && pixel != White)
             return QStringLiteral("the table has a pixel of ") + QColor(pixel).name();
     }
     if (first.count(RowColor) < rowHeight * 9 / 10)
@@ -306,10 +313,11 @@ QString tst_Desktops::wrongWithLines()
 
     for (const QString &button : Buttons) {
         const QImage image = shown(button);
+        const QRgb color = lineColor(button, "borderColor");
         const QVector<QRgb> across = line(image, image.height() / 4);
         const QVector<QRgb> down = column(image, image.width() / 4);
         for (const auto &pixels : {across, reversed(across), down, reversed(down)}) {
-            const int thickness = leadingPixels(pixels, BorderColor);
+            const int thickness = leadingPixels(pixels, color);
             if (thickness != border || pixels.at(border) != White)
                 return QStringLiteral("%1 has a border of %2 pixels").arg(button).arg(thickness);
         }
@@ -317,8 +325,8 @@ QString tst_Desktops::wrongWithLines()
 
     // The gaps between the columns, in the header and in the row.
     const QVector<int> expected(m_panel->rows(Table).value(0).size() - 1, qRound(2 * ratio));
-    for (const auto &[address, color] :
-         {std::make_pair(Header, HeaderColor), std::make_pair(Table, RowColor)}) {
+    for (const auto &[address, color] : {std::make_pair(Header, lineColor(Table, "headerColor")),
+                                         std::make_pair(Table, RowColor)}) {
         const QImage image = shown(address);
         const QVector<QRgb> pixels = line(image, image.height() - 4 * border);
         QVector<int> gaps;
@@ -352,13 +360,13 @@ void tst_Desktops::isScaledAndWhole_data()
     QTest::addColumn<QByteArray>("factor");
     QTest::addColumn<QSize>("size");
     const QByteArray none;
-    QTest::newRow("nothing chosen") << none << none << QSize(800, 600);
-    QTest::newRow("96") << QByteArray("96") << none << QSize(800, 600);
-    QTest::newRow("nonsense") << QByteArray("large") << none << QSize(800, 600);
-    QTest::newRow("120") << QByteArray("120") << none << QSize(1000, 750);
-    QTest::newRow("144") << QByteArray("144") << none << QSize(1200, 900);
-    QTest::newRow("192") << QByteArray("192") << none << QSize(1600, 1200);
-    QTest::newRow("288") << QByteArray("288") << none << QSize(2400, 1800);
+    QTest::newRow("nothing chosen") << none << none << WindowSize;
+    QTest::newRow("96") << QByteArray("96") << none << WindowSize;
+    QTest::newRow("nonsense") << QByteArray("large") << none << WindowSize;
+    QTest::newRow("120") << QByteArray("120") << none << WindowSize * 1.25;
+    QTest::newRow("144") << QByteArray("144") << none << WindowSize * 1.5;
+    QTest::newRow("192") << QByteArray("192") << none << WindowSize * 2;
+    QTest::newRow("288") << QByteArray("288") << none << WindowSize * 3;
     for (const double scale : {1.25, 1.5, 1.75, 3.0})
         QTest::addRow("factor %g", scale)
                 << none << QByteArray::number(scale) << WindowSize * scale;
@@ -387,15 +395,15 @@ void tst_Desktops::goesByWhatQtWasTold_data()
     QTest::addColumn<QString>("setting");
     QTest::addColumn<QSize>("size");
 
-    const QSize plain(800, 600);
-    const QSize chosen(1000, 750);
+    const QSize plain = WindowSize;
+    const QSize chosen = WindowSize * 1.25;
     QTest::newRow("factor") << "QT_SCALE_FACTOR=1" << plain;
-    QTest::newRow("factors") << "QT_SCREEN_SCALE_FACTORS=1.5" << QSize(1200, 900);
+    QTest::newRow("factors") << "QT_SCREEN_SCALE_FACTORS=1.5" << WindowSize * 1.5;
     QTest::newRow("factors by name") << "QT_SCREEN_SCALE_FACTORS=none=2;screen=1;" << plain;
     QTest::newRow("by the monitors") << "QT_AUTO_SCREEN_SCALE_FACTOR=1" << plain;
     QTest::newRow("enabled") << "QT_ENABLE_HIGHDPI_SCALING=1" << plain;
     QTest::newRow("disabled") << "QT_ENABLE_HIGHDPI_SCALING=0" << plain;
-    QTest::newRow("former factor") << "QT_DEVICE_PIXEL_RATIO=3" << QSize(2400, 1800);
+    QTest::newRow("former factor") << "QT_DEVICE_PIXEL_RATIO=3" << WindowSize * 3;
     QTest::newRow("former automatic one") << "QT_DEVICE_PIXEL_RATIO=auto" << plain;
     // These choose nothing.
     QTest::newRow("no automatic one") << "QT_AUTO_SCREEN_SCALE_FACTOR=0" << chosen;
@@ -421,7 +429,7 @@ void tst_Desktops::goesByWhatQtWasTold()
     const auto environment = m_panel->application(QStringLiteral("environment")).toStringList();
     // What takes the chosen scale's place isn't the children's affair.
     const bool isReplaced =
-            setting.startsWith(QLatin1String("QT_SCALE_FACTOR")) && size == QSize(1000, 750);
+            setting.startsWith(QLatin1String("QT_SCALE_FACTOR")) && size == WindowSize * 1.25;
     QCOMPARE(environment.contains(setting), !isReplaced);
 }
 

@@ -131,7 +131,10 @@ void tst_Themes::cleanupTestCase()
 bool tst_Themes::start(const QStringList &arguments)
 {
     return m_panel->start(arguments)
-           && QTest::qWaitFor([this] { return m_panel->rowTexts(Table).size() == 1; }, TimeoutMs);
+           && QTest::qWaitFor([this] { return m_panel->rowTexts(Table).size() == 1; }, TimeoutMs)
+           && QTest::qWaitFor(
+                   [this] { return m_panel->property(Window, "isActiveWindow").toBool(); },
+                   TimeoutMs);
 }
 
 //! Whether the panel has the file of \a plugin in memory: else Qt has silently done without it.
@@ -170,8 +173,10 @@ tst_Themes::Look tst_Themes::look()
             [this] { return m_panel->isExposed(QStringLiteral("SettingsForm")); }, TimeoutMs));
     result.settings = stillScreen();
     m_panel->setProperty(QStringLiteral("stackedWidget"), "currentIndex", 0);
+    static_cast<void>(
+            QTest::qWaitFor([&result] { return screenshot() == result.page; }, TimeoutMs));
 
-    PanelProcess::clickAt(m_panel->globalRect(RepairButton).center());
+    m_panel->click(RepairButton);
     PanelProcess::moveMouse(QPoint(0, 0));
     static_cast<void>(QTest::qWaitFor(
             [this] {

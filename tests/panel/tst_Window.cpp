@@ -1,3 +1,4 @@
+#include "shell/ServiceContainer.h"
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ServerWindow.h"
 #include "tests/support/pixels.h"
@@ -25,8 +26,8 @@ constexpr QPoint Aside(0, 0);
 constexpr QPoint Grip(400, 16);
 constexpr QPoint Page(600, 400);
 //! The middle of the close button, and a place in it beside its cross.
-constexpr QPoint CloseButton(775, 16);
-constexpr QPoint CloseBackground(755, 4);
+constexpr QPoint CloseButton(ServiceContainer::fixedSize().width() - 25, 16);
+constexpr QPoint CloseBackground = CloseButton + QPoint(-20, -12);
 //! Beside the text and the icon of the button.
 constexpr QPoint ButtonBackground(5, 5);
 

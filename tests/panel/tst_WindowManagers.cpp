@@ -1,3 +1,4 @@
+#include "shell/ServiceContainer.h"
 #include "tests/support/PanelProcess.h"
 #include "tests/support/ServerWindow.h"
 
@@ -17,7 +18,7 @@ const auto HiddenTabs = QStringLiteral("tabWidget");
 const auto RepairButton = QStringLiteral("xfkqfw");
 const auto Table = QStringLiteral("treeWidgetOW");
 
-constexpr QSize WindowSize(800, 600);
+constexpr QSize WindowSize = ServiceContainer::fixedSize();
 constexpr QSize LargeScreen(1920, 1080);
 constexpr QSize SmallScreen(1280, 720);
 //! From the window's top right corner to the middle of the close button, 50 × 32 pixels in size.

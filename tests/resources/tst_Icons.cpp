@@ -2,10 +2,10 @@
 #include "tests/support/pixels.h"
 
 #include <QDir>
-#include <QHash>
 #include <QIcon>
 #include <QImage>
 #include <QImageReader>
+#include <QMap>
 #include <QPainter>
 #include <QPixmap>
 #include <QTest>
@@ -23,14 +23,6 @@ constexpr QSize HeaderIconSize(18, 17);
 const QVector<int> IcoSizes = {16, 24, 32, 40, 48, 56, 64, 96};
 
 const QString Folder = QStringLiteral(":/client/resources/");
-const QStringList Names = {
-        QStringLiteral("application.svg"), QStringLiteral("close.svg"),
-        QStringLiteral("dt.ico"),          QStringLiteral("icon.png"),
-        QStringLiteral("maximize.svg"),    QStringLiteral("minimize.svg"),
-        QStringLiteral("overview.svg"),    QStringLiteral("restore.svg"),
-        QStringLiteral("settings.svg"),    QStringLiteral("xf.ico"),
-        QStringLiteral("zsk.ico"),
-};
 
 QImage painted(const QPixmap &pixmap, QRgb background)
 {
@@ -65,7 +57,7 @@ const Samples StreamsOnAPlate = {
         {{3, 31}, DarkBlue}, {{15, 21}, DarkBlue}, {{31, 21}, LightBlue}, {{47, 21}, MediumBlue}};
 
 //! Enough of each icon to tell it from every other.
-const QHash<QString, Samples> IconSamples = {
+const QMap<QString, Samples> IconSamples = {
         {QStringLiteral("application.svg"), StreamsOnAPlate},
         {QStringLiteral("icon.png"), StreamsOnAPlate},
         // A cross.
@@ -96,6 +88,8 @@ const QHash<QString, Samples> IconSamples = {
         {QStringLiteral("zsk.ico"),
          {{{31, 31}, DarkBlue}, {{17, 23}, LightBlue}, {{21, 41}, White}, {{31, 3}, Nothing}}},
 };
+
+const QStringList Names = IconSamples.keys();
 
 //! The first of \a samples that the icon \a name doesn't show; empty where it shows them all.
 QString missingSample(const QString &name, const Samples &samples)
@@ -217,7 +211,6 @@ void tst_Icons::isUnderItsOwnName_data()
 void tst_Icons::isUnderItsOwnName()
 {
     QFETCH(const QString, name);
-    QVERIFY2(IconSamples.contains(name), "no samples of this icon");
     const Samples samples = IconSamples.value(name);
     QCOMPARE(missingSample(name, samples), QString());
 

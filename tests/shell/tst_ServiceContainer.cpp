@@ -147,7 +147,7 @@ void tst_ServiceContainer::header()
 
     QVERIFY(show());
     QCOMPARE(tab->mapTo(m_window.get(), QPoint(0, 0)), QPoint(0, 0));
-    QCOMPARE(tab->size(), QSize(750 - 1, 32));
+    QCOMPARE(tab->size(), QSize(ServiceContainer::fixedSize().width() - 50 - 1, 32));
 }
 
 void tst_ServiceContainer::pages()
@@ -206,7 +206,7 @@ void tst_ServiceContainer::closeButtonClosesTheWindow()
     QVERIFY(found != buttons.end());
     QToolButton *close = *found;
     QCOMPARE(QRect(close->mapTo(m_window.get(), QPoint(0, 0)), close->size()),
-             QRect(750, 0, 50, 32));
+             QRect(ServiceContainer::fixedSize().width() - 50, 0, 50, 32));
 
     QTest::mouseClick(close, Qt::LeftButton);
     QVERIFY(!m_window->isVisible());

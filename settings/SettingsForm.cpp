@@ -107,15 +107,10 @@ void SettingsForm::nameFields()
 {
     const QList<QHBoxLayout *> rows = findChildren<QHBoxLayout *>();
     for (const QHBoxLayout *row : rows) {
-        const auto widgetAt = [row](int place) {
-            QLayoutItem *item = row->itemAt(place);
-            return item ? item->widget() : nullptr;
-        };
-        auto *label = qobject_cast<QLabel *>(widgetAt(0));
-        QWidget *field = widgetAt(1);
-        const auto *unit = qobject_cast<QLabel *>(widgetAt(2));
-        if (!label || !field)
-            continue;
+        // A label, its field, in some a unit, and a spacer.
+        auto *label = qobject_cast<QLabel *>(row->itemAt(0)->widget());
+        QWidget *field = row->itemAt(1)->widget();
+        const auto *unit = qobject_cast<QLabel *>(row->itemAt(2)->widget());
         // The accessible name of a combo box is its value, so its label becomes its buddy instead.
         if (qobject_cast<QComboBox *>(field))
             label->setBuddy(field);

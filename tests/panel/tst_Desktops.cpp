@@ -439,11 +439,14 @@ void tst_Desktops::fitsTheWorkArea_data()
     QTest::addColumn<QString>("workArea");
     QTest::addColumn<double>("scale");
 
+    const auto area = [](const QSize &size) {
+        return QStringLiteral("0, 48, %1, %2").arg(size.width()).arg(size.height());
+    };
     // The test's own screen holds a scale of 3, but not of 4.
     QTest::newRow("screen") << QByteArray("384") << QString() << 3.25;
-    QTest::newRow("exact") << QByteArray("192") << QStringLiteral("0, 48, 1600, 1200") << 2.0;
-    QTest::newRow("too low") << QByteArray("192") << QStringLiteral("0, 48, 1920, 1199") << 1.75;
-    QTest::newRow("tiny") << QByteArray("192") << QStringLiteral("0, 0, 640, 480") << 1.0;
+    QTest::newRow("exact") << QByteArray("192") << area(2 * WindowSize) << 2.0;
+    QTest::newRow("too low") << QByteArray("192") << area(2 * WindowSize - QSize(0, 1)) << 1.75;
+    QTest::newRow("tiny") << QByteArray("192") << area(WindowSize / 2) << 1.0;
 }
 
 void tst_Desktops::fitsTheWorkArea()
@@ -471,13 +474,18 @@ void tst_Desktops::fitsOneMonitor()
     QFETCH(const QString, second);
     const bool isPrimary = second.startsWith(QLatin1Char('*'));
     const QString none = QStringLiteral("none");
-    QVERIFY(addMonitor(QStringLiteral("first"), QStringLiteral("1000/200x750/150+0+0"), none));
-    QVERIFY(addMonitor(second, QStringLiteral("1200/300x900/200+1000+0"),
+    const auto geometry = [](const QSize &size, int x) {
+        return QStringLiteral("%1/200x%2/150+%3+0").arg(size.width()).arg(size.height()).arg(x);
+    };
+    const QSize firstSize = WindowSize * 1.25;
+    const QSize secondSize = WindowSize * 1.5;
+    QVERIFY(addMonitor(QStringLiteral("first"), geometry(firstSize, 0), none));
+    QVERIFY(addMonitor(second, geometry(secondSize, firstSize.width()),
                        isPrimary ? QStringLiteral("screen") : none));
-    QVERIFY(addMonitor(QStringLiteral("third"), QStringLiteral("2000/500x1500/400+0+0"), none));
+    QVERIFY(addMonitor(QStringLiteral("third"), geometry(WindowSize * 2.5, 0), none));
     QVERIFY(setTextDpi("192"));
     QVERIFY(start());
-    QCOMPARE(onServer().size(), isPrimary ? QSize(1200, 900) : QSize(1000, 750));
+    QCOMPARE(onServer().size(), isPrimary ? secondSize : firstSize);
 }
 
 void tst_Desktops::goesByTheDisplayThatItOpensOn_data()
@@ -506,11 +514,16 @@ void tst_Desktops::goesByTheDisplayThatItOpensOn()
     QFETCH(const QString, variable);
     QFETCH(const QString, option);
     QFETCH(const QString, argument);
+    const auto screen = [](const QSize &size) {
+        return QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height());
+    };
+    const QSize firstSize = WindowSize * 1.75;
+    const QSize secondSize = WindowSize * 1.5;
     QProcess server;
     server.setReadChannel(QProcess::StandardOutput);
     server.start(QStringLiteral("Xvfb"),
                  {"-displayfd", "1", "-nolisten", "tcp", "-noreset", "-extension", "RANDR",
-                  "-screen", "0", "1400x1050x24", "-screen", "1", "1200x900x24"});
+                  "-screen", "0", screen(firstSize), "-screen", "1", screen(secondSize)});
     QTRY_VERIFY_WITH_TIMEOUT(server.canReadLine(), ShowTimeoutMs);
     const QString number = QString::fromLatin1(server.readLine().trimmed());
     QVERIFY(setTextDpi("168", QLatin1Char(':') + number));
@@ -523,7 +536,7 @@ void tst_Desktops::goesByTheDisplayThatItOpensOn()
     QVERIFY(m_panel->start(arguments));
     // 168 dots per inch are a scale of 1.75; the second screen holds one of 1.5.
     const bool isSecond = (variable + argument).endsWith(QLatin1String(".1"));
-    QCOMPARE(m_panel->grab(Window).size(), isSecond ? QSize(1200, 900) : QSize(1400, 1050));
+    QCOMPARE(m_panel->grab(Window).size(), isSecond ? secondSize : firstSize);
 
     m_panel->invoke(Window, "close");
     QCOMPARE(m_panel->waitForExit(), std::optional<int>(0));

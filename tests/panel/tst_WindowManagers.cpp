@@ -398,7 +398,7 @@ void tst_WindowManagers::keepsItsSizeWhereItIsScaled()
     m_panel->environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1.5"));
     QVERIFY(m_panel->start());
     QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
-    QCOMPARE(place().size(), QSize(1200, 900));
+    QCOMPARE(place().size(), WindowSize * 1.5);
 }
 
 QTEST_MAIN(tst_WindowManagers)

@@ -315,12 +315,13 @@ void tst_OverviewForm::linesAreNamedAsTheyAreDrawn()
         const QRegularExpression declaration(what + QStringLiteral(" ([#\\w]+);"));
         return QColor(declaration.match(widget.styleSheet()).captured(1));
     };
-    const auto hasLines = [](const QWidget &widget, QColor color, Qt::Edges edges) {
+    const auto hasLines = [](const QWidget &widget, const QColor &color, Qt::Edges edges) {
         const QVariant named = widget.property("borderEdges");
         return color.isValid() && widget.property("borderColor").value<QColor>() == color
                && (named.isValid() ? Qt::Edges(named.toInt()) : AllEdges) == edges;
     };
-    for (const QPushButton *button : page.findChildren<QPushButton *>()) {
+    const QList<QPushButton *> buttons = page.findChildren<QPushButton *>();
+    for (const QPushButton *button : buttons) {
         const QColor color = drawn(*button, QStringLiteral("border: 1px solid"));
         QVERIFY2(hasLines(*button, color, AllEdges), qPrintable(button->objectName()));
     }
@@ -330,7 +331,8 @@ void tst_OverviewForm::linesAreNamedAsTheyAreDrawn()
         const QColor color = drawn(*notice, QStringLiteral("border: 1px solid"));
         QVERIFY2(hasLines(*notice, color, AllEdges & ~Qt::TopEdge), name);
     }
-    for (const QTreeWidget *table : page.findChildren<QTreeWidget *>()) {
+    const QList<QTreeWidget *> tables = page.findChildren<QTreeWidget *>();
+    for (const QTreeWidget *table : tables) {
         const QColor color = drawn(*table, QStringLiteral("background-color:"));
         QVERIFY(color.isValid());
         QCOMPARE(table->property("headerColor").value<QColor>(), color);

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int TimeoutMs = 20000;
-
 //! Does something to a window. Returns whether the window is on the screen then.
 using Change = bool (*)(Window &);
 

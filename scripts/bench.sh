@@ -58,6 +58,7 @@ need_packages "${build_packages[@]}" "${run_packages[@]}" "${display_packages[@]
     "${bench_packages[@]}"
 configure bench -DCMAKE_BUILD_TYPE=Release -DBUILD_TESTING=OFF -DPANEL_BENCHMARKS=ON
 cmake --build "$build" --target benchmarks
-"$project/tests/support/in-desktop.sh" --session-bus --pid-namespace -- "$0" --measure "${1:-40}" |
+"$project/tests/support/in-desktop.sh" --session-bus --pid-namespace -- \
+    "$project/scripts/bench.sh" --measure "${1:-40}" |
     sort -s -t "$(printf '\t')" -k 1,1 | awk -F'\t' '{ printf "%-42s %-42s %9s\n", $1, $2, $3 }'
 echo "Linux $(uname -r), $(nproc) processors, load $(cut -d' ' -f1 /proc/loadavg) at the end"

@@ -62,7 +62,7 @@ need_tools() {
     [ ${#missing[@]} -eq 0 ] || fail "this system has no apt-get, and these programs are missing:
 $(printf '    %s\n' "${missing[@]}")
 Install them by this system's own means, with Qt 5 for development (Core, Gui, Widgets, Network, Test),
-its SVG plug-in, xcb-xfixes for development, and a font with Chinese glyphs."
+its SVG plug-in, xcb-randr and xcb-xfixes for development, and a font with Chinese glyphs."
 }
 
 # configure FOLDER ARGUMENT...: configures the tree into build/FOLDER.

@@ -2,6 +2,7 @@
 #include "tests/overview/RunStatus.h"
 #include "tests/support/ShimFolder.h"
 #include "tests/support/files.h"
+#include "tests/support/killDaemon.h"
 
 #include <QFile>
 #include <QProcess>
@@ -90,10 +91,8 @@ void tst_DaemonChanges::init()
 void tst_DaemonChanges::cleanup()
 {
     const QList<qint64> all = pids();
-    for (const qint64 pid : all) {
-        if (::kill(static_cast<pid_t>(pid), 0) == 0)
-            QVERIFY(run("kill_daemon " + QByteArray::number(pid)));
-    }
+    for (const qint64 pid : all)
+        killDaemon(pid, QStringLiteral(PANEL_TEST_DAEMON));
     m_shims.reset();
 }
 

@@ -120,16 +120,17 @@ def check_names(panel):
 
 
 def check_table(panel):
-    """Returns the PID that the row shows."""
+    """Returns a pidfd of the process in the row."""
     row = wait_for("the row", lambda: cells(panel))
     headers = [header.name for header in shown(panel, "table column header")]
     compare("number of values", len(row), len(headers))
     compare("empty", [text for text in headers + row if not text.strip()], [])
     command, pid = row[:2]
     compare("process", command, "Corvane")
+    daemon = os.pidfd_open(int(pid))
     compare("name of process " + pid, os.readlink(f"/proc/{pid}/exe").split("/")[-1], "Corvane")
     compare("the notice", labelled(panel, "label", NOTICE), [])
-    return int(pid)
+    return daemon
 
 
 def check_repair(panel):
@@ -141,7 +142,7 @@ def check_repair(panel):
 
 
 def check_stop(panel, daemon):
-    os.kill(daemon, signal.SIGKILL)
+    signal.pidfd_send_signal(daemon, signal.SIGKILL)
     wait_for("the notice", lambda: labelled(panel, "label", NOTICE))
     compare("cells without a daemon", cells(panel), [])
 

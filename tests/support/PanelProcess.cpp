@@ -2,6 +2,7 @@
 #include "tests/support/realInput.h"
 
 #include "tests/support/files.h"
+#include "tests/support/killDaemon.h"
 
 #include <QCursor>
 #include <QDataStream>
@@ -9,8 +10,6 @@
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QTest>
-
-#include <csignal>
 
 #include <sys/stat.h>
 
@@ -71,14 +70,9 @@ PanelProcess::~PanelProcess()
 {
     m_process.kill();
     m_process.waitForFinished();
-    // Until it is reaped, pgrep would tell the next panel of it.
     const QList<qint64> pids = daemonPids();
-    for (const qint64 pid : pids) {
-        ::kill(static_cast<pid_t>(pid), SIGKILL);
-        const QString process = QStringLiteral("/proc/%1").arg(pid);
-        if (!QTest::qWaitFor([&process] { return !QFile::exists(process); }, ExitTimeoutMs))
-            qFatal("the daemon doesn't end");
-    }
+    for (const qint64 pid : pids)
+        killDaemon(pid, daemonPath());
     for (const char *suffix : {"", ".conf", ".record"})
         QFile::remove(daemonPath() + QLatin1String(suffix));
 }

@@ -190,13 +190,11 @@ void tst_OverviewForm::shape()
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
         QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
         QCOMPARE(meta.method(i).access(), QMetaMethod::Private);
-        methods.append(meta.method(i).methodSignature());
+        // A button's slot is tested with its button.
+        if (!meta.method(i).name().startsWith("on_"))
+            methods.append(meta.method(i).methodSignature());
     }
-    QByteArrayList expected = {"syncOWInfo()", "syncTagsInfo()"};
-    for (const WebShortcut &shortcut : WebShortcuts)
-        expected.append(QByteArray("on_") + shortcut.button + "_clicked()");
-    expected.append("on_xfkqfw_clicked()");
-    QCOMPARE(methods, expected);
+    QCOMPARE(methods.join(' '), QByteArray("syncOWInfo() syncTagsInfo()"));
     QCOMPARE(meta.propertyCount() - meta.propertyOffset(), 0);
 }
 
@@ -218,7 +216,7 @@ void tst_OverviewForm::tablesAreSetUp()
 
     const auto *tree = page.findChild<QTreeWidget *>(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(tree);
-    QCOMPARE(titles(tree), headers);
+    QCOMPARE(titles(tree).join(QLatin1Char(' ')), headers.join(QLatin1Char(' ')));
     for (int column = 0; column < tree->columnCount(); ++column)
         QCOMPARE(tree->header()->sectionResizeMode(column), QHeaderView::Stretch);
     QCOMPARE(tree->rootIsDecorated(), false);
@@ -593,8 +591,8 @@ void tst_OverviewForm::shortcutsOpenTheirPages()
         for (int click = 0; click < 2; ++click)
             expectedAddresses.append(QString::fromLatin1(shortcut.address));
     }
-    QCOMPARE(names, expectedNames);
-    QCOMPARE(desktop.opened, expectedAddresses);
+    QCOMPARE(names.join(QLatin1Char(' ')), expectedNames.join(QLatin1Char(' ')));
+    QCOMPARE(desktop.opened.join(QLatin1Char(' ')), expectedAddresses.join(QLatin1Char(' ')));
 }
 
 QTEST_MAIN(tst_OverviewForm)

@@ -56,6 +56,14 @@ def labelled(root, role, name):
     return [node for node in shown(root, role) if node.name == name]
 
 
+def press_named(root, name):
+    """Presses the one button NAME."""
+    buttons = shown(root, "push button")
+    matching = [node for node in buttons if node.name == name]
+    compare("buttons named " + name + " among " + ", ".join(node.name for node in buttons), len(matching), 1)
+    press(matching[0])
+
+
 def on_bus():
     """What to tell of the accessibility bus where a wait was in vain."""
     try:
@@ -134,11 +142,11 @@ def check_table(panel):
 
 
 def check_repair(panel):
-    press(labelled(panel, "push button", REPAIR)[0])
-    wait_for("the box", lambda: labelled(panel, "label", NO_REPAIR))
-    (button,) = [node for node in shown(panel, "push button") if node.name == "OK"]
-    press(button)
-    wait_for("the box's end", lambda: not labelled(panel, "label", NO_REPAIR))
+    press_named(panel, REPAIR)
+    wait_for("the box", lambda: labelled(panel, "push button", "OK"))
+    compare("text of the box", len(labelled(panel, "label", NO_REPAIR)), 1)
+    press_named(panel, "OK")
+    wait_for("the box's end", lambda: not labelled(panel, "push button", "OK"))
 
 
 def check_stop(panel, daemon):
@@ -154,12 +162,12 @@ def main():
     process = subprocess.Popen([sys.argv[1]], env=environment)
     try:
         panel = wait_for("the panel", application)
-        wait_for("the window", lambda: labelled(panel, "push button", REPAIR))
+        wait_for("the window", lambda: shown(panel, "push button"))
         daemon = check_table(panel)
         check_names(panel)
         check_repair(panel)
         check_stop(panel, daemon)
-        press(labelled(panel, "push button", "关闭")[0])
+        press_named(panel, "关闭")
         compare("exit status", process.wait(PATIENCE), 0)
     finally:
         process.kill()

@@ -4,6 +4,9 @@
 #include "tests/support/files.h"
 #include "tests/support/pixels.h"
 
+#include <QIcon>
+#include <QMap>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTest>
@@ -63,11 +66,19 @@ QRect placeOf(PanelProcess &panel, const QString &widget)
     return panel.globalRect(widget);
 }
 
-//! Whether \a image looks as if a smaller one had been enlarged by \a ratio: all its pixels come in
-//! blocks.
-bool isEnlarged(const QImage &image, int ratio)
+//! Whether \a icon is to be seen anywhere in \a image, pixel by pixel, on its main colour.
+bool contains(const QImage &image, const QImage &icon)
 {
-    return image.scaled(image.size() / ratio).scaled(image.size()) == image;
+    QImage wanted(icon.size(), image.format());
+    wanted.fill(mainColor(image));
+    QPainter(&wanted).drawImage(0, 0, icon);
+    for (int y = 0; y <= image.height() - icon.height(); ++y) {
+        for (int x = 0; x <= image.width() - icon.width(); ++x) {
+            if (image.copy({{x, y}, icon.size()}) == wanted)
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -153,20 +164,22 @@ void tst_Looks::listedColorsAreShown()
 void tst_Looks::iconsAreSharp()
 {
     constexpr int Ratio = 2;
-    // The icon's half of a button, without the border.
-    constexpr QRect IconPlace(4, 4, 48, 72);
     PanelProcess panel;
     panel.environment().insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(Ratio));
     QVERIFY(panel.start());
 
-    QStringList buttons = {RepairButton};
+    QMap<QString, QString> icons = {{RepairButton, QStringLiteral("xf.ico")}};
     for (const WebShortcut &shortcut : WebShortcuts)
-        buttons.append(QLatin1String(shortcut.button));
-    for (const QString &name : qAsConst(buttons)) {
-        const QImage button = panel.grab(name);
-        QCOMPARE(button.size(), panel.property(name, "size").toSize() * Ratio);
-        const QRect place(IconPlace.topLeft() * Ratio, IconPlace.size() * Ratio);
-        QVERIFY2(!isEnlarged(button.copy(place), Ratio), qPrintable(name));
+        icons.insert(QLatin1String(shortcut.button), QLatin1String(shortcut.icon));
+    for (auto icon = icons.cbegin(); icon != icons.cend(); ++icon) {
+        QImage button = panel.grab(icon.key()).convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(button.size(), panel.property(icon.key(), "size").toSize() * Ratio);
+        button.setDevicePixelRatio(1);
+        // Of its own pixels, not enlarged from fewer.
+        const QIcon file(QStringLiteral(":/client/resources/") + icon.value());
+        const QImage picture = file.pixmap(QSize(32, 32) * Ratio).toImage();
+        QCOMPARE(picture.size(), QSize(32, 32) * Ratio);
+        QVERIFY2(contains(button, picture), qPrintable(icon.key()));
     }
     const auto stripIcon = panel.property(StripIcon, "pixmap").value<QImage>();
     QCOMPARE(stripIcon.size(), QSize(18, 17) * Ratio);

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr QRgb StripGrey = qRgb(216, 217, 218);
-constexpr QRgb CloseRed = qRgb(255, 0, 0);
 constexpr QRgb HeaderBlue = qRgb(0x2b, 0x57, 0x9a);
 constexpr QRgb ActiveTab = qRgb(255, 255, 255);
 constexpr QRgb InactiveTab = qRgb(215, 215, 222);
@@ -89,12 +88,18 @@ const QMap<QString, Samples> IconSamples = {
          {{{31, 31}, DarkBlue}, {{17, 23}, LightBlue}, {{21, 41}, White}, {{31, 3}, Nothing}}},
 };
 
-const QStringList Names = IconSamples.keys();
+//! The files of the bundle.
+QStringList names()
+{
+    return QDir(Folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
+}
 
 //! The first of \a samples that the icon \a name doesn't show; empty where it shows them all.
 QString missingSample(const QString &name, const Samples &samples)
 {
     const QImage image = QIcon(Folder + name).pixmap(SampledSide, SampledSide).toImage();
+    if (image.isNull())
+        return QStringLiteral("no picture");
     for (const Sample &sample : samples) {
         const QRgb shown = image.pixel(sample.point);
         if (shown != sample.color) {
@@ -148,7 +153,8 @@ private slots:
 
 void tst_Icons::bundleHoldsTheFilesAndNoOthers()
 {
-    QCOMPARE(QDir(Folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name), Names);
+    const QStringList listed = IconSamples.keys();
+    QCOMPARE(names().join(QLatin1Char(' ')), listed.join(QLatin1Char(' ')));
     QCOMPARE(QDir(QStringLiteral(":/client")).entryList(),
              QStringList(QStringLiteral("resources")));
 }
@@ -157,7 +163,8 @@ void tst_Icons::loads_data()
 {
     QTest::addColumn<QString>("name");
 
-    for (const QString &name : Names)
+    const QStringList all = names();
+    for (const QString &name : all)
         QTest::newRow(qPrintable(name)) << name;
 }
 
@@ -182,7 +189,8 @@ void tst_Icons::icoHoldsEachSize_data()
 {
     QTest::addColumn<QString>("name");
 
-    for (const QString &name : Names) {
+    const QStringList all = names();
+    for (const QString &name : all) {
         if (name.endsWith(QLatin1String(".ico")))
             QTest::newRow(qPrintable(name)) << name;
     }
@@ -205,7 +213,14 @@ void tst_Icons::icoHoldsEachSize()
 
 void tst_Icons::isUnderItsOwnName_data()
 {
-    loads_data();
+    QTest::addColumn<QString>("name");
+
+    // Of the files that are not listed bundleHoldsTheFilesAndNoOthers() tells.
+    const QStringList all = names();
+    for (const QString &name : all) {
+        if (IconSamples.contains(name))
+            QTest::newRow(qPrintable(name)) << name;
+    }
 }
 
 void tst_Icons::isUnderItsOwnName()
@@ -216,7 +231,8 @@ void tst_Icons::isUnderItsOwnName()
 
     // The samples would notice another icon.
     const QStringList application = {QStringLiteral("application.svg"), QStringLiteral("icon.png")};
-    for (const QString &other : Names) {
+    const QStringList all = names();
+    for (const QString &other : all) {
         const bool isSame =
                 other == name || (application.contains(other) && application.contains(name));
         QVERIFY2(missingSample(other, samples).isEmpty() == isSame, qPrintable(other));
@@ -225,25 +241,21 @@ void tst_Icons::isUnderItsOwnName()
 
 void tst_Icons::closeGlyphIsLegible_data()
 {
-    QTest::addColumn<QRgb>("background");
     QTest::addColumn<int>("side");
 
-    QTest::newRow("on the strip") << StripGrey << 16;
-    QTest::newRow("on the strip, ratio 2") << StripGrey << 32;
-    QTest::newRow("on red") << CloseRed << 16;
-    QTest::newRow("on red, ratio 2") << CloseRed << 32;
+    QTest::newRow("ratio 1") << 16;
+    QTest::newRow("ratio 2") << 32;
 }
 
 void tst_Icons::closeGlyphIsLegible()
 {
-    QFETCH(const QRgb, background);
     QFETCH(const int, side);
 
-    const QImage image = iconOn(background, QStringLiteral("close.svg"), side);
+    const QImage image = iconOn(StripGrey, QStringLiteral("close.svg"), side);
     // Both strokes run along the diagonals, from a quarter in.
     for (int i = side / 4; i < side - side / 4; ++i) {
         for (const int x : {i, side - 1 - i}) {
-            const double measured = contrast(image.pixel(x, i), background);
+            const double measured = contrast(image.pixel(x, i), StripGrey);
             QVERIFY2(measured >= LegibleContrast,
                      qPrintable(QStringLiteral("%1, %2: %3").arg(x).arg(i).arg(measured)));
         }

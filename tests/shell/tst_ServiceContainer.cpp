@@ -67,6 +67,7 @@ private slots:
 private:
     bool show();
     QStackedWidget *stack() const;
+    QToolButton *closeButton() const;
 
     std::unique_ptr<ShimFolder> m_shims;
     std::unique_ptr<ServiceContainer> m_window;
@@ -95,6 +96,15 @@ bool tst_ServiceContainer::show()
 QStackedWidget *tst_ServiceContainer::stack() const
 {
     return m_window->findChild<QStackedWidget *>(QStringLiteral("stackedWidget"));
+}
+
+QToolButton *tst_ServiceContainer::closeButton() const
+{
+    const auto buttons = m_window->findChildren<QToolButton *>();
+    const auto found = std::find_if(buttons.begin(), buttons.end(), [](const QToolButton *button) {
+        return button->toolTip() == QStringLiteral("关闭");
+    });
+    return found == buttons.end() ? nullptr : *found;
 }
 
 void tst_ServiceContainer::form()
@@ -147,7 +157,8 @@ void tst_ServiceContainer::header()
 
     QVERIFY(show());
     QCOMPARE(tab->mapTo(m_window.get(), QPoint(0, 0)), QPoint(0, 0));
-    QCOMPARE(tab->size(), QSize(ServiceContainer::fixedSize().width() - 50 - 1, 32));
+    const int free = ServiceContainer::fixedSize().width() - closeButton()->width();
+    QCOMPARE(tab->size(), QSize(free - 1, 32));
 }
 
 void tst_ServiceContainer::pages()
@@ -199,14 +210,11 @@ void tst_ServiceContainer::tabsChooseThePageWhenShown()
 void tst_ServiceContainer::closeButtonClosesTheWindow()
 {
     QVERIFY(show());
-    const auto buttons = m_window->findChildren<QToolButton *>();
-    const auto found = std::find_if(buttons.begin(), buttons.end(), [](const QToolButton *button) {
-        return button->isVisible() && button->toolTip() == QStringLiteral("关闭");
-    });
-    QVERIFY(found != buttons.end());
-    QToolButton *close = *found;
-    QCOMPARE(QRect(close->mapTo(m_window.get(), QPoint(0, 0)), close->size()),
-             QRect(ServiceContainer::fixedSize().width() - 50, 0, 50, 32));
+    QToolButton *close = closeButton();
+    QVERIFY(close);
+    QVERIFY(close->isVisible());
+    QCOMPARE(close->mapTo(m_window.get(), close->rect().topRight()),
+             QPoint(ServiceContainer::fixedSize().width() - 1, 0));
 
     QTest::mouseClick(close, Qt::LeftButton);
     QVERIFY(!m_window->isVisible());

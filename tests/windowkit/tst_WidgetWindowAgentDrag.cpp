@@ -172,9 +172,16 @@ void tst_WidgetWindowAgentDrag::isReplacedDuringADrag()
     QVERIFY(replace(window));
     QVERIFY(comesTo(window, place));
     const QPoint distance(60, 10);
-    xdotool(moveTo(place + HeaderPoint + distance));
+    const QPoint pointer = place + HeaderPoint + distance;
     if (goesOn)
         place += distance;
+    // Once more where the server shows the new native window only now: a motion before is nobody's.
+    QVERIFY(QTest::qWaitFor(
+            [&] {
+                xdotool(moveTo(pointer - QPoint(1, 0)) + moveTo(pointer));
+                return window.pos() == place;
+            },
+            WindowTimeoutMs));
     QVERIFY(comesTo(window, place));
     xdotool(release());
     QVERIFY(settle(window));

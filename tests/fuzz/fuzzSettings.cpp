@@ -26,27 +26,33 @@ constexpr const char *UnknownLines = "[aa]\nunknown=kept\n";
     abort();
 }
 
-//! Each field must show its value of \a settings where that is accepted, else its default.
-void checkFields(const SettingsForm &page, const QSettings &settings, const QByteArray &content)
+QString keyOf(const Setting &setting)
 {
-    const bool isReadable = settings.status() == QSettings::NoError;
+    return QLatin1String(setting.section) + QLatin1Char('/') + QLatin1String(setting.name);
+}
+
+//! What each field must show: its value of \a settings where that is accepted, else its default.
+QStringList expectedFields(const SettingsForm &page, const QSettings &settings)
+{
     QStringList expected = defaults();
-    for (const NumberSetting &number : NumberSettings) {
-        const QString key =
-                QLatin1String(number.section) + QLatin1Char('/') + QLatin1String(number.name);
-        const QSpinBox *field = numberField(page, number.field);
+    if (settings.status() != QSettings::NoError)
+        return expected;
+    for (const Setting &number : settingsOf(SettingKind::Number)) {
+        const auto *field = fieldOf<QSpinBox>(page, number.field);
         bool isNumber = false;
-        const int value = settings.value(key).toInt(&isNumber);
-        if (isReadable && isNumber && value >= field->minimum() && value <= field->maximum())
+        const int value = settings.value(keyOf(number)).toInt(&isNumber);
+        if (isNumber && value >= field->minimum() && value <= field->maximum())
             expected = replaced(expected, number.field, QString::number(value));
     }
-    const bool isOn = isReadable && settings.value(QStringLiteral("rpc/enableLogs")).toBool();
-    expected = replaced(expected, SwitchField, QVariant(isOn).toString());
-    const QString level = settings.value(QStringLiteral("log/level")).toString();
-    if (isReadable && page.findChild<QComboBox *>()->findText(level) >= 0)
-        expected = replaced(expected, LevelField, level);
-    if (shown(page) != expected)
-        fail("the page shows something else", content);
+    for (const Setting &setting : settingsOf(SettingKind::Switch)) {
+        const QVariant isOn = settings.value(keyOf(setting)).toBool();
+        if (settings.contains(keyOf(setting)))
+            expected = replaced(expected, setting.field, isOn.toString());
+    }
+    const QString level = settings.value(keyOf(LevelSetting)).toString();
+    if (fieldOf<QComboBox>(page, LevelSetting.field)->findText(level) >= 0)
+        expected = replaced(expected, LevelSetting.field, level);
+    return expected;
 }
 
 } // namespace
@@ -68,7 +74,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray content =
             UnknownLines + QByteArray(reinterpret_cast<const char *>(data), int(size));
-    const NumberSetting &number = NumberSettings[size % NumberSettings.size()];
+    const std::vector<Setting> numbers = settingsOf(SettingKind::Number);
+    const Setting &number = numbers[size % numbers.size()];
     // QSettings remembers what it has read by the path: each look needs a path of its own.
     const SettingsHome home;
     home.write(content);
@@ -77,8 +84,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     int value = 0;
     {
         const SettingsForm page;
-        checkFields(page, before, content);
-        const QSpinBox *field = numberField(page, number.field);
+        if (shown(page) != expectedFields(page, before))
+            fail("the page shows something else", content);
+        const auto *field = fieldOf<QSpinBox>(page, number.field);
         value = field->value() < field->maximum() ? field->value() + 1 : field->minimum();
         changeNumber(page, number.field, value);
     }
@@ -86,8 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QSettings after(home.path(QStringLiteral("after")), QSettings::IniFormat);
     if (after.value(UnknownKey) != before.value(UnknownKey))
         fail("an unknown key is lost", content);
-    if (after.value(QLatin1String(number.section) + QLatin1Char('/') + QLatin1String(number.name))
-        != value)
+    if (after.value(keyOf(number)) != value)
         fail("the change is not in the file", content);
     return 0;
 }

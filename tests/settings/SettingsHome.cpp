@@ -11,6 +11,9 @@
 #include <QMetaProperty>
 #include <QSpinBox>
 
+#include <algorithm>
+#include <iterator>
+
 #include <sys/stat.h>
 
 namespace {
@@ -77,29 +80,43 @@ QByteArray SettingsHome::state() const
     return text;
 }
 
-QStringList SettingsHome::entries() const
+QString SettingsHome::entries() const
 {
-    return QDir(folder()).entryList(
-            QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    return QDir(folder())
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                       QDir::Name)
+            .join(QStringLiteral(", "));
 }
 
-QSpinBox *numberField(const QWidget &page, const char *name)
+std::vector<Setting> settingsOf(SettingKind kind)
 {
-    auto *field = page.findChild<QSpinBox *>(QLatin1String(name));
-    if (!field)
-        qFatal("the page has no %s", name);
-    return field;
+    std::vector<Setting> found;
+    std::copy_if(Settings.begin(), Settings.end(), std::back_inserter(found),
+                 [kind](const Setting &setting) { return setting.kind == kind; });
+    return found;
 }
 
 void changeNumber(const QWidget &page, const char *name, int value)
 {
-    numberField(page, name)->setValue(value);
+    fieldOf<QSpinBox>(page, name)->setValue(value);
     QCoreApplication::processEvents();
 }
 
-QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByteArray &value)
+QByteArray oneKey(const Setting &setting, const QByteArray &value)
 {
-    return '[' + section + "]\n" + name + '=' + value + '\n';
+    return QByteArray("[") + setting.section + "]\n" + setting.name + '=' + value + '\n';
+}
+
+QByteArray escaped(const QString &text)
+{
+    QByteArray bytes;
+    for (const QChar character : text) {
+        if (character.unicode() < 0x80)
+            bytes += character.toLatin1();
+        else
+            bytes += "\\x" + QByteArray::number(character.unicode(), 16);
+    }
+    return bytes;
 }
 
 QStringList shown(const QWidget &page)

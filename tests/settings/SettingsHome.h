@@ -4,11 +4,10 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QWidget>
 
 #include <array>
-
-class QSpinBox;
-class QWidget;
+#include <vector>
 
 /*!
     A configuration folder that XDG_CONFIG_HOME names while the object lives, for settings files
@@ -41,60 +40,67 @@ public:
         of modification in nanoseconds. Empty when there is no such file.
     */
     QByteArray state() const;
-    //! What lies in the panel's folder, by name.
-    QStringList entries() const;
+    //! The names of what lies in the panel's folder.
+    QString entries() const;
 
 private:
     QTemporaryDir m_dir;
     QByteArray m_formerConfig;
 };
 
-//! A number among the settings: its key in the file, and its field on the page.
-struct NumberSetting
+enum class SettingKind { Level, Number, Switch };
+
+//! A setting: its key in the file, its field on the page, and the slot that writes it.
+struct Setting
 {
+    SettingKind kind;
     const char *section;
     const char *name;
     const char *field;
+    const char *slot;
 };
 
-inline constexpr std::array NumberSettings = {
-        NumberSetting {"log", "days", "spinLogDays"},
-        NumberSetting {"rpc", "timeout", "spinRpcTimeout"},
-        NumberSetting {"rpc", "threads", "spinThreadNums"},
-        NumberSetting {"msg", "pullInterval", "spinPullMessage"},
-        NumberSetting {"msg", "updateInterval", "spinStatusUpdate"},
-        NumberSetting {"msg", "uploadInterval", "spinUpload"},
+//! The only list to choose from. Its tests go by the levels: a second list needs its own.
+inline constexpr Setting LevelSetting {SettingKind::Level, "log", "level", "cbLogLevel",
+                                       "logLevelChanged"};
+
+//! All of them, in the order of the page and of the slots.
+inline constexpr std::array Settings = {
+        LevelSetting,
+        Setting {SettingKind::Number, "log", "days", "spinLogDays", "logDaysChanged"},
+        Setting {SettingKind::Switch, "rpc", "enableLogs", "cbRpcLog", "rpcLogChanged"},
+        Setting {SettingKind::Number, "rpc", "timeout", "spinRpcTimeout", "rpcTimeoutChanged"},
+        Setting {SettingKind::Number, "rpc", "threads", "spinThreadNums", "rpcThreadsChanged"},
+        Setting {SettingKind::Number, "msg", "pullInterval", "spinPullMessage", "msgPullChanged"},
+        Setting {SettingKind::Number, "msg", "updateInterval", "spinStatusUpdate",
+                 "msgUpdateChanged"},
+        Setting {SettingKind::Number, "msg", "uploadInterval", "spinUpload", "msgUploadChanged"},
 };
 
-//! The fields of the settings that are no numbers.
-inline constexpr const char *LevelField = "cbLogLevel";
-inline constexpr const char *SwitchField = "cbRpcLog";
+//! Those of one kind.
+std::vector<Setting> settingsOf(SettingKind kind);
 
-//! A level of logging, as the page shows it and as the file holds it.
-struct Level
+//! The field \a name of the settings page \a page.
+template<typename Field>
+Field *fieldOf(const QWidget &page, const char *name)
 {
-    const char *name;
-    const char *stored;
-};
-
-inline constexpr std::array Levels = {
-        Level {"调试", "\\x8c03\\x8bd5"}, Level {"信息", "\\x4fe1\\x606f"},
-        Level {"警告", "\\x8b66\\x544a"}, Level {"错误", "\\x9519\\x8bef"},
-        Level {"致命", "\\x81f4\\x547d"},
-};
-
-//! The number field \a name of the settings page \a page.
-QSpinBox *numberField(const QWidget &page, const char *name);
+    auto *field = page.findChild<Field *>(QLatin1String(name));
+    if (!field)
+        qFatal("the page has no %s of that kind", name);
+    return field;
+}
 
 //! Sets the number field \a name of \a page to \a value and lets the change be written.
 void changeNumber(const QWidget &page, const char *name, int value);
 
-//! A settings file with a single key.
-QByteArray oneKey(const QByteArray &section, const QByteArray &name, const QByteArray &value);
+//! A settings file with the key of \a setting alone.
+QByteArray oneKey(const Setting &setting, const QByteArray &value);
+//! \a text as a settings file holds it.
+QByteArray escaped(const QString &text);
 
 /*!
     What every field of the settings page \a page shows, each as "name=value", in reading order: the
-    level's text, "true" or "false" for the switch, and the numbers.
+    level's text, "true" or "false" for a switch, and the numbers.
 */
 QStringList shown(const QWidget &page);
 

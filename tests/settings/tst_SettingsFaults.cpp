@@ -126,7 +126,7 @@ void tst_SettingsFaults::permissions()
     ::chmod(QFile::encodeName(m_home->folder()).constData(), 0700);
     ::chmod(QFile::encodeName(m_home->file()).constData(), 0600);
     QCOMPARE(m_home->read(), content);
-    QCOMPARE(m_home->entries(), QStringList(QStringLiteral("settings.ini")));
+    QCOMPARE(m_home->entries(), QStringLiteral("settings.ini"));
 }
 
 void tst_SettingsFaults::unwritableConfigurationFolder()

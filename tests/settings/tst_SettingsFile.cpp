@@ -8,11 +8,14 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QMetaProperty>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSpinBox>
 #include <QStandardPaths>
 #include <QTest>
+
+Q_DECLARE_METATYPE(Setting)
 
 namespace {
 
@@ -22,6 +25,17 @@ constexpr int OtherUpload = 7;
 QStringList defaultsButUpload()
 {
     return defaultsBut("spinUpload", QString::number(OtherUpload));
+}
+
+QStringList levelNames()
+{
+    const SettingsHome home;
+    const SettingsForm page;
+    const auto *level = fieldOf<QComboBox>(page, LevelSetting.field);
+    QStringList names;
+    for (int item = 0; item < level->count(); ++item)
+        names.append(level->itemText(item));
+    return names;
 }
 
 //! A row of loading: \a rewritten is null where the file must not be touched.
@@ -35,69 +49,77 @@ void addNumberRows()
 {
     const SettingsHome home;
     const SettingsForm page;
-    for (const NumberSetting &number : NumberSettings) {
-        const QSpinBox *field = numberField(page, number.field);
+    for (const Setting &number : settingsOf(SettingKind::Number)) {
+        const auto *field = fieldOf<QSpinBox>(page, number.field);
         const QByteArray name = QByteArray(number.name) + ' ';
-        const auto contentWith = [&number](const QByteArray &text) {
-            return oneKey(number.section, number.name, text);
-        };
         for (const int value : {field->minimum(), field->maximum()}) {
             const QByteArray text = QByteArray::number(value);
             // The default is left alone, as it stands.
             const bool isRewritten = value != field->value();
-            loadRow(name + text, contentWith(text),
+            loadRow(name + text, oneKey(number, text),
                     defaultsBut(number.field, QString::fromLatin1(text)),
-                    isRewritten ? contentWith(text) : QByteArray());
+                    isRewritten ? oneKey(number, text) : QByteArray());
         }
         const QByteArray initial = QByteArray::number(field->value());
-        loadRow(name + "default", contentWith(initial), defaults());
+        loadRow(name + "default", oneKey(number, initial), defaults());
         for (const int value : {field->minimum() - 1, field->maximum() + 1}) {
             const QByteArray text = QByteArray::number(value);
-            loadRow(name + text, contentWith(text), defaults());
+            loadRow(name + text, oneKey(number, text), defaults());
         }
         for (const char *text : {"many", "", "20.5", "7days"})
-            loadRow(name + "is " + text, contentWith(text), defaults());
+            loadRow(name + "is " + text, oneKey(number, text), defaults());
     }
 }
 
 void addLevelRows()
 {
-    for (const Level &level : Levels) {
-        loadRow(level.name, oneKey("log", "level", level.stored),
-                defaultsBut(LevelField, QString::fromUtf8(level.name)));
+    const QStringList names = levelNames();
+    for (const QString &name : names) {
+        loadRow(name.toUtf8(), oneKey(LevelSetting, escaped(name)),
+                defaultsBut(LevelSetting.field, name));
     }
     const auto unknown = [](const char *name, const QByteArray &stored) {
-        loadRow(QByteArray("level: ") + name, oneKey("log", "level", stored), defaults());
+        loadRow(QByteArray("level: ") + name, oneKey(LevelSetting, stored), defaults());
     };
+    const QString &known = names.last();
     unknown("unknown", "\\x8be6\\x7ec6");
-    unknown("beginning of one", "\\x8b66");
-    unknown("more than one", R"(\x8b66\x544a\x8b66)");
-    unknown("blank before it", R"(" \x8b66\x544a")");
+    unknown("beginning of one", escaped(known.at(0)));
+    unknown("more than one", escaped(known + known.at(0)));
+    unknown("blank before it", "\" " + escaped(known) + '"');
     unknown("number of one", "2");
     unknown("empty", "");
 }
 
 void addSwitchRows()
 {
-    for (const char *text : {"true", "1"}) {
-        loadRow(QByteArray("switch ") + text, oneKey("rpc", "enableLogs", text),
-                defaultsBut(SwitchField, QStringLiteral("true")),
-                oneKey("rpc", "enableLogs", "true"));
+    const SettingsHome home;
+    const SettingsForm page;
+    for (const Setting &setting : settingsOf(SettingKind::Switch)) {
+        const bool initial = fieldOf<QCheckBox>(page, setting.field)->isChecked();
+        const auto rows = [&setting, initial](bool isOn, const QByteArrayList &texts) {
+            const QByteArray stored = isOn ? "true" : "false";
+            for (const QByteArray &text : texts) {
+                loadRow(QByteArray(setting.name) + ' ' + text, oneKey(setting, text),
+                        defaultsBut(setting.field, QString::fromLatin1(stored)),
+                        isOn == initial ? QByteArray() : oneKey(setting, stored));
+            }
+        };
+        rows(true, {"true", "1"});
+        rows(false, {"false", "0", ""});
     }
-    for (const char *text : {"false", "0", ""})
-        loadRow(QByteArray("switch ") + text, oneKey("rpc", "enableLogs", text), defaults());
 }
 
 void addFileRows()
 {
     loadRow("zero bytes", "", defaults());
-    const QByteArray mixed = "[log]\ndays=10\nlevel=\\x81f4\\x547d\n\n"
-                             "[msg]\npullInterval=4\nuploadInterval=1\n\n"
-                             "[rpc]\nenableLogs=true\nthreads=8\n";
+    const QString level = levelNames().constLast();
+    const QByteArray mixed = "[log]\ndays=10\nlevel=" + escaped(level)
+                             + "\n\n[msg]\npullInterval=4\nuploadInterval=1\n\n"
+                               "[rpc]\nenableLogs=true\nthreads=8\n";
     QStringList expected = defaultsBut("spinLogDays", QStringLiteral("10"));
-    expected = replaced(expected, LevelField, QStringLiteral("致命"));
+    expected = replaced(expected, LevelSetting.field, level);
     expected = replaced(expected, "spinUpload", QStringLiteral("1"));
-    expected = replaced(expected, SwitchField, QStringLiteral("true"));
+    expected = replaced(expected, "cbRpcLog", QStringLiteral("true"));
     expected = replaced(expected, "spinThreadNums", QStringLiteral("8"));
     loadRow("accepted and rejected values", mixed, expected, mixed);
 
@@ -121,8 +143,8 @@ private slots:
     void loads();
     void keepsWhatItDoesNotKnow_data();
     void keepsWhatItDoesNotKnow();
-    void numbersAreWritten();
-    void switchIsWritten();
+    void changesAreWritten_data();
+    void changesAreWritten();
     void documentedKeys();
     void documentedExample();
     void levelIsStoredAsEscapes_data();
@@ -134,7 +156,7 @@ private slots:
     void configurationFolder();
 };
 
-//! The other tests go by these lists.
+//! The other tests go by the list.
 void tst_SettingsFile::everyFieldIsListed()
 {
     const SettingsHome home;
@@ -143,13 +165,11 @@ void tst_SettingsFile::everyFieldIsListed()
     const QStringList fields = shown(page);
     for (const QString &field : fields)
         names.append(field.section(QLatin1Char('='), 0, 0));
-    names.sort();
 
-    QStringList listed = {QLatin1String(LevelField), QLatin1String(SwitchField)};
-    for (const NumberSetting &number : NumberSettings)
-        listed.append(QLatin1String(number.field));
-    listed.sort();
-    QCOMPARE(names, listed);
+    QStringList listed;
+    for (const Setting &setting : Settings)
+        listed.append(QLatin1String(setting.field));
+    QCOMPARE(names.join(QStringLiteral(", ")), listed.join(QStringLiteral(", ")));
 }
 
 void tst_SettingsFile::firstStart()
@@ -160,7 +180,7 @@ void tst_SettingsFile::firstStart()
         QVERIFY(QFileInfo(home.folder()).isDir());
         QCoreApplication::processEvents();
     }
-    QCOMPARE(home.entries(), QStringList());
+    QCOMPARE(home.entries(), QString());
 }
 
 void tst_SettingsFile::pathAndFormat()
@@ -209,7 +229,7 @@ void tst_SettingsFile::loads()
         QVERIFY(home.state() != before);
         QCOMPARE(home.read(), rewritten);
     }
-    QCOMPARE(home.entries(), QStringList(QStringLiteral("settings.ini")));
+    QCOMPARE(home.entries(), QStringLiteral("settings.ini"));
 }
 
 void tst_SettingsFile::keepsWhatItDoesNotKnow_data()
@@ -243,52 +263,75 @@ void tst_SettingsFile::keepsWhatItDoesNotKnow()
     QCOMPARE(home.read(), changed);
 }
 
-void tst_SettingsFile::numbersAreWritten()
+void tst_SettingsFile::changesAreWritten_data()
 {
-    for (const NumberSetting &number : NumberSettings) {
-        const SettingsHome home;
-        const SettingsForm page;
-        const QSpinBox *field = numberField(page, number.field);
-        // The second is the default as often as not, and written nonetheless.
-        for (const int value : {field->minimum(), field->maximum()}) {
-            changeNumber(page, number.field, value);
-            QCOMPARE(home.read(), oneKey(number.section, number.name, QByteArray::number(value)));
-        }
-    }
-}
+    QTest::addColumn<Setting>("setting");
+    QTest::addColumn<QVariantList>("values");
 
-void tst_SettingsFile::switchIsWritten()
-{
     const SettingsHome home;
     const SettingsForm page;
-    auto *check = page.findChild<QCheckBox *>(QStringLiteral("cbRpcLog"));
-    for (const bool isOn : {true, false}) {
-        check->setChecked(isOn);
-        QCoreApplication::processEvents();
-        QCOMPARE(home.read(), oneKey("rpc", "enableLogs", isOn ? "true" : "false"));
+    for (const Setting &number : settingsOf(SettingKind::Number)) {
+        const auto *field = fieldOf<QSpinBox>(page, number.field);
+        QTest::newRow(number.field) << number << QVariantList {field->minimum(), field->maximum()};
+    }
+    for (const Setting &setting : settingsOf(SettingKind::Switch)) {
+        const bool initial = fieldOf<QCheckBox>(page, setting.field)->isChecked();
+        QTest::newRow(setting.field) << setting << QVariantList {!initial, initial};
     }
 }
 
+void tst_SettingsFile::changesAreWritten()
+{
+    QFETCH(Setting, setting);
+    QFETCH(QVariantList, values);
+
+    const SettingsHome home;
+    const SettingsForm page;
+    auto *field = fieldOf<QWidget>(page, setting.field);
+    // The last is the default as often as not, and written nonetheless.
+    for (const QVariant &value : qAsConst(values)) {
+        QVERIFY(field->metaObject()->userProperty().write(field, value));
+        QCoreApplication::processEvents();
+        QCOMPARE(home.read(), oneKey(setting, value.toByteArray()));
+    }
+}
+
+//! The document holds the levels as they are stored, to the byte.
 void tst_SettingsFile::documentedKeys()
 {
-    const QByteArray document = readFile(QStringLiteral(PANEL_TEST_SETTINGS_DOCUMENT));
+    const auto rowOf = [](const Setting &setting, const QString &rest) {
+        return QStringLiteral("\n| `[%1]` | `%2` | %3 |")
+                .arg(QLatin1String(setting.section), QLatin1String(setting.name), rest);
+    };
     const SettingsHome home;
     const SettingsForm page;
-    for (const NumberSetting &number : NumberSettings) {
-        const QSpinBox *field = numberField(page, number.field);
-        const QString row = QStringLiteral("\n| `[%1]` | `%2` | whole number | %3 | %4 to %5 |")
-                                    .arg(QLatin1String(number.section), QLatin1String(number.name))
-                                    .arg(field->value())
-                                    .arg(field->minimum())
-                                    .arg(field->maximum());
-        QVERIFY2(document.contains(row.toUtf8()), qPrintable(row));
+    QStringList rows;
+    for (const Setting &number : settingsOf(SettingKind::Number)) {
+        const auto *field = fieldOf<QSpinBox>(page, number.field);
+        rows.append(rowOf(number, QStringLiteral("whole number | %1 | %2 to %3")
+                                          .arg(field->value())
+                                          .arg(field->minimum())
+                                          .arg(field->maximum())));
     }
-    for (const Level &level : Levels) {
+    for (const Setting &setting : settingsOf(SettingKind::Switch)) {
+        const QVariant initial = fieldOf<QCheckBox>(page, setting.field)->isChecked();
+        rows.append(
+                rowOf(setting, QStringLiteral("`true` or `false` | %1 |").arg(initial.toString())));
+    }
+    const QString level = fieldOf<QComboBox>(page, LevelSetting.field)->currentText();
+    rows.append(rowOf(LevelSetting, QStringLiteral("name of a level | `%1` (%2)")
+                                            .arg(QLatin1String(escaped(level)), level)));
+
+    const QString document =
+            QString::fromUtf8(readFile(QStringLiteral(PANEL_TEST_SETTINGS_DOCUMENT)));
+    for (const QString &row : qAsConst(rows))
+        QVERIFY2(document.contains(row), qPrintable(row));
+    const QStringList names = levelNames();
+    for (const QString &name : names) {
         const QRegularExpression row(
                 QStringLiteral("\n\\| %1 \\(\\w+\\) \\| `%2` \\|\n")
-                        .arg(QString::fromUtf8(level.name),
-                             QRegularExpression::escape(QLatin1String(level.stored))));
-        QVERIFY2(row.match(QString::fromUtf8(document)).hasMatch(), level.name);
+                        .arg(name, QRegularExpression::escape(QLatin1String(escaped(name)))));
+        QVERIFY2(row.match(document).hasMatch(), qPrintable(name));
     }
 }
 
@@ -319,10 +362,10 @@ void tst_SettingsFile::levelIsStoredAsEscapes_data()
     QTest::addColumn<int>("item");
     QTest::addColumn<QByteArray>("content");
 
-    int item = 0;
-    for (const Level &level : Levels) {
-        QTest::newRow(level.name) << item << oneKey("log", "level", level.stored);
-        ++item;
+    const QStringList names = levelNames();
+    for (int item = 0; item < names.size(); ++item) {
+        const QString &name = names.at(item);
+        QTest::newRow(qUtf8Printable(name)) << item << oneKey(LevelSetting, escaped(name));
     }
 }
 
@@ -333,12 +376,12 @@ void tst_SettingsFile::levelIsStoredAsEscapes()
 
     const SettingsHome home;
     const SettingsForm page;
-    auto *level = page.findChild<QComboBox *>(QStringLiteral("cbLogLevel"));
+    auto *level = fieldOf<QComboBox>(page, LevelSetting.field);
 
     // A change of the current item that is not the user's choice writes nothing.
     level->setCurrentIndex(item);
     QCoreApplication::processEvents();
-    QCOMPARE(home.entries(), QStringList());
+    QCOMPARE(home.entries(), QString());
 
     // What the user chooses is written, also when it is what was current before.
     level->showPopup();
@@ -348,7 +391,7 @@ void tst_SettingsFile::levelIsStoredAsEscapes()
     QCOMPARE(home.read(), content);
 
     const SettingsForm next;
-    QCOMPARE(shown(next), defaultsBut(LevelField, level->currentText()));
+    QCOMPARE(shown(next), defaultsBut(LevelSetting.field, level->currentText()));
 }
 
 void tst_SettingsFile::changeWaitsForTheEventLoop()
@@ -356,11 +399,11 @@ void tst_SettingsFile::changeWaitsForTheEventLoop()
     const SettingsHome home;
     {
         const SettingsForm page;
-        numberField(page, "spinUpload")->setValue(OtherUpload);
-        QCOMPARE(home.entries(), QStringList());
+        fieldOf<QSpinBox>(page, "spinUpload")->setValue(OtherUpload);
+        QCOMPARE(home.entries(), QString());
         QCoreApplication::processEvents();
         QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
-        numberField(page, "spinUpload")->setValue(OtherUpload + 1);
+        fieldOf<QSpinBox>(page, "spinUpload")->setValue(OtherUpload + 1);
         QCOMPARE(home.read(), QByteArray("[msg]\nuploadInterval=7\n"));
     }
     // The end of the page is the latest.
@@ -379,7 +422,7 @@ void tst_SettingsFile::saveConfigChangesNothing()
     QCOMPARE(home.state(), before);
 
     // Nor does it write what a change has left pending.
-    numberField(page, "spinUpload")->setValue(OtherUpload);
+    fieldOf<QSpinBox>(page, "spinUpload")->setValue(OtherUpload);
     page.saveConfig();
     QCOMPARE(home.state(), before);
     QCOMPARE(shown(page), defaultsButUpload());
@@ -428,17 +471,16 @@ void tst_SettingsFile::configurationFolder()
         const SettingsForm page;
         // The file is fixed by now, whatever the current folder is.
         QVERIFY(QDir::setCurrent(formerFolder));
-        numberField(page, "spinUpload")->setValue(OtherUpload);
+        fieldOf<QSpinBox>(page, "spinUpload")->setValue(OtherUpload);
     }
     qputenv("HOME", formerHome);
 
     QCOMPARE(QDir::cleanPath(QDir(home.path()).absoluteFilePath(location)), home.path(expected));
-    QStringList entries(QStringLiteral("settings.ini"));
-    if (QDir::isRelativePath(location))
-        entries.prepend(QStringLiteral("relative"));
-    QCOMPARE(QDir(home.path(expected + QStringLiteral("/KqVantora")))
-                     .entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name),
-             entries);
+    const QString entries = QDir(home.path(expected + QStringLiteral("/KqVantora")))
+                                    .entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name)
+                                    .join(QStringLiteral(", "));
+    QCOMPARE(entries, QDir::isRelativePath(location) ? QStringLiteral("relative, settings.ini")
+                                                     : QStringLiteral("settings.ini"));
     QCOMPARE(readFile(home.path(expected + QStringLiteral("/KqVantora/settings.ini"))),
              QByteArray("[msg]\nuploadInterval=7\n"));
 }

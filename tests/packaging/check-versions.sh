@@ -24,7 +24,7 @@ date=${entries[0]#*, }
 same 'the date in CHANGELOG.md' "$date" "$(date --date "$date" +%F)"
 
 if [ -f "$source/debian/changelog" ]; then
-    # The same there; a hyphen and a number behind it would be Debian's own.
+    # The same there; a hyphen and a number after it would be Debian's own.
     entry=$(grep '^[a-z]' "$source/debian/changelog" | grep -v -m 1 ') UNRELEASED;')
     same debian/changelog "$(sed -E 's/^[^(]*\(([0-9.]*).*/\1/' <<<"$entry")" "$version"
 fi

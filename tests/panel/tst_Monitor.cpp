@@ -15,7 +15,7 @@ constexpr int RefreshTimeoutMs = 20000;
 //! What the system's own ps says of process \a pid in the field \a field.
 QString processField(qint64 pid, const QString &field)
 {
-    // With a column behind it: newer versions of ps cut off a long name only there.
+    // With a column after it: newer versions of ps cut off a long name only there.
     QProcess process;
     process.start(QStringLiteral("ps"),
                   {QStringLiteral("-o"), field + QLatin1Char('='), QStringLiteral("-o"),

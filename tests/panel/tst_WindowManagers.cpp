@@ -28,7 +28,7 @@ constexpr QPoint DragBy(37, 53);
 constexpr QPoint VainDragBy(61, 17);
 constexpr int DragSteps = 4;
 //! In pixels, wide enough for any frame.
-constexpr int Surroundings = 60;
+constexpr int FrameMargin = 60;
 constexpr int RightButton = 3;
 constexpr int BoxTimeoutMs = 25000;
 
@@ -260,7 +260,7 @@ void tst_WindowManagers::comesUpBareAndCentred()
     QCOMPARE(m_panel->property(Window, "size").toSize(), WindowSize);
     // Nothing has come to the screen there but the window: no frame, no shadow.
     const QRect around =
-            expected.marginsAdded({Surroundings, Surroundings, Surroundings, Surroundings});
+            expected.marginsAdded({FrameMargin, FrameMargin, FrameMargin, FrameMargin});
     QTRY_COMPARE(difference(m_emptyScreen.copy(around), screenshot().copy(around)),
                  expected.translated(-around.topLeft()));
 }

@@ -243,6 +243,17 @@ QString dumpLayout(const QWidget &widget)
     return out;
 }
 
+QString otherSpacers(const QWidget &form, const QHash<QLayout *, QSpacerItem *> &spacers)
+{
+    QStringList names;
+    const QList<QLayout *> layouts = form.findChildren<QLayout *>();
+    for (QLayout *layout : layouts) {
+        if (layout->itemAt(layout->count() - 1)->spacerItem() != spacers.value(layout))
+            names.append(layout->objectName());
+    }
+    return names.join(QStringLiteral(", "));
+}
+
 QStringList formTexts(const QWidget &form)
 {
     QStringList texts(form.windowTitle());

@@ -122,6 +122,7 @@ void Screenshots::saveBox(const QString &state)
     QTRY_VERIFY_WITH_TIMEOUT(m_panel->messageBox(), BoxTimeoutMs);
     QTRY_VERIFY(m_panel->isExposed(Box));
     QTRY_VERIFY(m_panel->property(Box, "isActiveWindow").toBool());
+    PanelProcess::moveMouse(Aside);
     save(state);
     PanelProcess::pressKeys("Return");
     QTRY_VERIFY(!m_panel->messageBox());
@@ -146,7 +147,6 @@ void Screenshots::daemonRuns()
     saveWithColor(QStringLiteral("close-hovered"), close, CloseHoverColor);
 
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("needs-no-repair"));
     QTRY_VERIFY(m_panel->property(Window, "isActiveWindow").toBool());
     const auto focus = [this] { return m_panel->application(QStringLiteral("focus")).toString(); };
@@ -165,12 +165,10 @@ void Screenshots::daemonIsMissing()
     save(QStringLiteral("stopped"));
 
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("repair-failed"));
 
     m_panel->placeDaemon();
     PanelProcess::clickAt(onScreen(m_panel->globalRect(RepairButton).center()));
-    PanelProcess::moveMouse(Aside);
     saveBox(QStringLiteral("repaired"));
 }
 

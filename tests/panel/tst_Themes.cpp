@@ -27,6 +27,15 @@ const auto BoxIcon = QStringLiteral("QMessageBox/qt_msgboxex_icon_label");
 constexpr QPoint CloseButtonOffset(-25, 16);
 constexpr int TimeoutMs = 20000;
 
+//! Waits until \a isThere, and goes on without it too: the comparisons fail then, and this tells
+//! why.
+template<typename Condition>
+void waitFor(const char *what, Condition isThere)
+{
+    if (!QTest::qWaitFor(isThere, TimeoutMs))
+        qWarning("Waited in vain for %s", what);
+}
+
 } // namespace
 
 /*!
@@ -147,12 +156,10 @@ bool tst_Themes::hasLoaded(const QString &plugin) const
 QImage tst_Themes::stillScreen()
 {
     QImage screen;
-    static_cast<void>(QTest::qWaitFor(
-            [&screen] {
-                const QImage former = std::exchange(screen, screenshot());
-                return former == screen;
-            },
-            TimeoutMs));
+    waitFor("a still screen", [&screen] {
+        const QImage former = std::exchange(screen, screenshot());
+        return former == screen;
+    });
     return screen;
 }
 
@@ -162,32 +169,26 @@ tst_Themes::Look tst_Themes::look()
     result.page = stillScreen();
 
     PanelProcess::moveMouse(m_panel->globalRect(Window).topRight() + CloseButtonOffset);
-    static_cast<void>(QTest::qWaitFor(
-            [this] { return m_panel->exists(Tip) && m_panel->isExposed(Tip); }, TimeoutMs));
+    waitFor("the tool tip", [this] { return m_panel->exists(Tip) && m_panel->isExposed(Tip); });
     result.tip = stillScreen();
     PanelProcess::moveMouse(QPoint(0, 0));
-    static_cast<void>(QTest::qWaitFor([this] { return !m_panel->exists(Tip); }, TimeoutMs));
+    waitFor("the tool tip's end", [this] { return !m_panel->exists(Tip); });
 
     m_panel->setProperty(QStringLiteral("stackedWidget"), "currentIndex", 1);
-    static_cast<void>(QTest::qWaitFor(
-            [this] { return m_panel->isExposed(QStringLiteral("SettingsForm")); }, TimeoutMs));
+    waitFor("the settings page",
+            [this] { return m_panel->isExposed(QStringLiteral("SettingsForm")); });
     result.settings = stillScreen();
     m_panel->setProperty(QStringLiteral("stackedWidget"), "currentIndex", 0);
-    static_cast<void>(
-            QTest::qWaitFor([&result] { return screenshot() == result.page; }, TimeoutMs));
+    waitFor("the page as it was", [&result] { return screenshot() == result.page; });
 
     m_panel->click(RepairButton);
-    static_cast<void>(QTest::qWaitFor(
-            [this, &result] {
-                if (!m_panel->messageBox())
-                    return false;
-                const QRect place = m_panel->globalRect(BoxText);
-                const QImage text = screenshot(place);
-                return text != result.page.copy(place) && greatestContrast(text) > 4;
-            },
-            TimeoutMs));
-    // Not before: a manager that is slow to hand the click on gives its release the place where the
-    // pointer is by then.
+    waitFor("the message box", [this, &result] {
+        if (!m_panel->messageBox())
+            return false;
+        const QRect place = m_panel->globalRect(BoxText);
+        const QImage text = screenshot(place);
+        return text != result.page.copy(place) && greatestContrast(text) > 4;
+    });
     PanelProcess::moveMouse(QPoint(0, 0));
     result.box = stillScreen();
     // What the desktop chooses: the icon, and how it writes "OK".

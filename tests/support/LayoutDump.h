@@ -24,10 +24,8 @@ bool matchesDump(const QWidget &form, const QString &file);
 //! The layout tree of \a widget, of widgets class and object name only.
 QString dumpLayout(const QWidget &widget);
 
-/*!
-    The names of the layouts of \a form that don't end as \a spacers has it: with that spacer, or,
-   if they are not in it, with none. A dump can't tell spacers apart.
-*/
+//! The names of the layouts of \a form that end otherwise than with their spacer of \a spacers, or
+//! with one that they have not there. A dump can't tell spacers apart.
 QString otherSpacers(const QWidget &form, const QHash<QLayout *, QSpacerItem *> &spacers);
 
 //! The window title of \a form and the texts of its labels and buttons, in order of creation.

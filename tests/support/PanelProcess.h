@@ -175,6 +175,8 @@ public:
     static void moveMouse(const QPoint &global);
     static void pressButton(int button = LeftButton);
     static void releaseButton(int button = LeftButton);
+    //! Clicks at \a global. The pointer has to stay there until that has had its effect: a window
+    //! manager that is slow to hand a click on gives its release the place of the pointer by then.
     static void clickAt(const QPoint &global, int button = LeftButton);
     //! Clicks into the middle of a widget.
     void click(const QString &address);

@@ -175,7 +175,7 @@ void tst_WidgetWindowAgentDrag::isReplacedDuringADrag()
     const QPoint pointer = place + HeaderPoint + distance;
     if (goesOn)
         place += distance;
-    // Once more where the server shows the new native window only now: a motion before is nobody's.
+    // More than once: a motion may be lost while the manager is still at the new native window.
     QVERIFY(QTest::qWaitFor(
             [&] {
                 xdotool(moveTo(pointer - QPoint(1, 0)) + moveTo(pointer));
